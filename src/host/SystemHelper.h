@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/Export.h"
+
+/// Operations on the device as a whole.
+class SENSORHOST_API SystemHelper {
+public:
+    /// Restarts the device. Returns before it goes down.
+    static int rebootDevice(const char* reason);
+};
+
+/// Runs a shell line and waits for its end, at most `timeLimit` seconds; what runs then is ended.
+/// The line's exit status, -1 if it could not be run or ran out of time.
+SENSORHOST_API int sy_system(const char* command, int timeLimit);
