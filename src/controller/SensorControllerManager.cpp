@@ -1,0 +1,67 @@
+#include "controller/SensorControllerManager.h"
+
+#include "controller/SenseControllerFactory.h"
+#include "host/GlobalEnv.h"
+#include "host/ModuleConfigure.h"
+
+#include <cstdio>
+
+namespace {
+
+void printDiagnostic(const char* text) {
+    if (GlobalEnv::getInstance()->getPrintFlag())
+        std::puts(text);
+}
+
+} // namespace
+
+SensorControllerManager::SensorControllerManager() = default;
+
+SensorControllerManager::~SensorControllerManager() = default;
+
+void SensorControllerManager::setUARTController(const SafePointer<IUARTController>& uart) {
+    m_pUARTController = uart;
+}
+
+void SensorControllerManager::setGPIO(const SafePointer<IGPIO>& gpio) {
+    m_pGPIO = gpio;
+}
+
+void SensorControllerManager::init(int videoSystem, const VideoResolution& resolution,
+                                   const ModuleConfigure& configure) {
+    const int moduleId = configure.getModuleId();
+    m_pSensorController = SenseControllerFactory::create(moduleId);
+    if (moduleId == 0)
+        return;
+    m_pSensorController->setOperator(m_pUARTController, m_pGPIO);
+    if (!m_pSensorController->init(videoSystem, configure, resolution)) {
+        printDiagnostic("SensorControllerManager::initController error");
+        return;
+    }
+    if (m_pGPIO->enable())
+        printDiagnostic("!!!!!!!!!!!!!!!!!!SensorControllerManager::init successs");
+}
+
+SafePointer<ISensorController> SensorControllerManager::getSensorController() const {
+    return m_pSensorController;
+}
+
+int SensorControllerManager::updateSensorVideoSystem(int videoSystem, const VideoResolution& resolution) {
+    return m_pSensorController->updateSensorVideoSystem(videoSystem, resolution);
+}
+
+int SensorControllerManager::getStillImageValue(int& value) {
+    if (m_pSensorController.isNull()) {
+        printDiagnostic("SensorControllerManager::getStillImageValue:m_pSensorController is NULL");
+        return 0;
+    }
+    return m_pSensorController->getStillImageValue(value);
+}
+
+int SensorControllerManager::getMirrorValue(int& value) {
+    if (m_pSensorController.isNull()) {
+        printDiagnostic("SensorControllerManager::getMirrorValue:m_pSensorController is NULL");
+        return 0;
+    }
+    return m_pSensorController->getMirrorValue(value);
+}
