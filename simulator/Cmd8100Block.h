@@ -1,0 +1,16 @@
+#pragma once
+
+#include "simulator/ViscaBlock.h"
+
+namespace camerasim {
+
+/// The CMD8100 zoom camera block (module 16) with its mask unit and infrared board.
+class Cmd8100Block : public ViscaBlock {
+public:
+    explicit Cmd8100Block(const BlockSettings& p_Settings = {});
+
+    /// Its tables, for relatives that differ in a few rows and for tests.
+    static const ViscaModel& model();
+};
+
+} // namespace camerasim

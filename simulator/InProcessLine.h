@@ -1,0 +1,50 @@
+#pragma once
+
+#include "simulator/Line.h"
+#include "simulator/TimeSource.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <utility>
+
+namespace camerasim {
+
+/// A block on a line inside the process, without a thread: the host's own calls drive it. All calls may come from any
+/// thread; the one inner lock is never held while waiting.
+class InProcessLine {
+public:
+    /// The time source must outlive the line. Baud 0 carries everything instantly.
+    InProcessLine(std::unique_ptr<CameraBlock> p_pBlock, TimeSource& p_Time, int p_nBaud = 0);
+
+    /// Number of bytes taken, at once; -1 while the port is gone.
+    std::ptrdiff_t send(std::span<const std::uint8_t> p_Bytes);
+    /// Returns as soon as the buffer is full, or with what came before a silence of p_nTenths tenths of a second (also
+    /// before the first byte). Waits through the time source.
+    std::size_t recv(std::span<std::uint8_t> p_Buffer, int p_nTenths);
+
+    /// Calls p_Function(CameraBlock&, now in microseconds) under the lock and gives its result.
+    template <class Function>
+    decltype(auto) withBlock(Function&& p_Function) {
+        const std::int64_t nNow = m_Time.nowMicroseconds();
+        const std::lock_guard lock(m_Mutex);
+        return std::forward<Function>(p_Function)(m_Line.block(), nNow);
+    }
+    /// Calls p_Function(Line&, now in microseconds) under the lock, for faults, speed, unplugging.
+    template <class Function>
+    decltype(auto) withLine(Function&& p_Function) {
+        const std::int64_t nNow = m_Time.nowMicroseconds();
+        const std::lock_guard lock(m_Mutex);
+        return std::forward<Function>(p_Function)(m_Line, nNow);
+    }
+
+private:
+    std::unique_ptr<CameraBlock> m_pBlock;
+    TimeSource& m_Time;
+    std::mutex m_Mutex;
+    Line m_Line;
+};
+
+} // namespace camerasim

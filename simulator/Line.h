@@ -1,0 +1,79 @@
+#pragma once
+
+#include "simulator/CameraBlock.h"
+#include "simulator/FaultPlan.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace camerasim {
+
+/// A serial line with a block at its far end: carries bytes both ways at line speed and injects the faults of its plan.
+///
+/// Driven with given times that never go back. Has no lock and never waits; InProcessLine and PtyServer do both.
+class Line {
+public:
+    static constexpr std::int64_t never = INT64_MAX;
+
+    /// The block must outlive the line. Baud 0 carries everything instantly, otherwise a byte takes ten bits.
+    explicit Line(CameraBlock& p_Block, int p_nBaud = 0);
+
+    /// Takes bytes from the host; the number taken (less under a short write), or -1 while the port is gone.
+    std::ptrdiff_t write(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow);
+    /// Gives the bytes that have arrived at the host by now; 0 if none, also while the port is gone.
+    std::size_t read(std::span<std::uint8_t> p_Buffer, std::int64_t p_nNow);
+    /// When something on the line happens next, or `never`. A time that has passed means at once.
+    std::int64_t nextDue() const;
+
+    void setBaud(int p_nBaud) { m_nBaud = p_nBaud > 0 ? p_nBaud : 0; }
+    int baud() const { return m_nBaud; }
+
+    FaultPlan& faults() { return m_Faults; }
+    CameraBlock& block() { return m_Block; }
+
+    /// Takes the port away until plug or, from 0 on, for so long; what is under way is lost.
+    void unplug(std::int64_t p_nNow, std::int64_t p_nMicroseconds = -1);
+    void plug() { m_nGoneUntil = 0; }
+    bool portGone(std::int64_t p_nNow) const { return p_nNow < m_nGoneUntil; }
+    /// When the port comes back; `never` without an end set.
+    std::int64_t goneUntil() const { return m_nGoneUntil; }
+
+private:
+    /// Bytes on their way, each with the time of its arrival.
+    struct Flow {
+        struct Item {
+            std::int64_t time;
+            std::uint8_t byte;
+        };
+        std::vector<Item> items;
+        std::size_t head = 0;
+        std::int64_t freeAt = 0;
+
+        bool empty() const { return head == items.size(); }
+        void push(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nStart, int p_nBaud);
+        const Item& front() const { return items[head]; }
+        void pop();
+        void clear();
+    };
+
+    void advance(std::int64_t p_nNow);
+    void deliver(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow);
+    void serveFrame(std::int64_t p_nNow);
+    void spoil(const Fault& p_Fault);
+    void schedule();
+
+    CameraBlock& m_Block;
+    int m_nBaud;
+    FaultPlan m_Faults;
+    Flow m_ToBlock;
+    Flow m_ToHost;
+    std::vector<WireFrame> m_Made;
+    std::vector<WireFrame> m_Held;
+    std::vector<WireFrame> m_Pending;
+    std::int64_t m_nGoneUntil = 0;
+    unsigned m_nPowerChanges;
+};
+
+} // namespace camerasim

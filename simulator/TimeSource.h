@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+
+namespace camerasim {
+
+/// Clock and waiting of whoever drives a simulated line: the real one, or a simulated one in tests.
+struct TimeSource {
+    virtual ~TimeSource() = default;
+
+    /// Microseconds since any fixed moment, never going back. Called from any thread.
+    virtual std::int64_t nowMicroseconds() = 0;
+
+    /// Blocks the calling thread for so many microseconds (more than 0) of this clock. Called without a lock held.
+    virtual void waitMicroseconds(std::int64_t p_nMicroseconds) = 0;
+};
+
+} // namespace camerasim

@@ -1,0 +1,109 @@
+#pragma once
+
+#include "simulator/CameraBlock.h"
+#include "simulator/MaskUnit.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace camerasim {
+
+/// A word for one value of a register, for decoding.
+struct ViscaWord {
+    std::uint32_t value;
+    std::string_view text;
+};
+
+/// One register of a model: what command 81 01 04 code payload FF sets and inquiry 81 09 04 code FF gives.
+struct ViscaRegister {
+    /// One byte, or two where a sub-code follows (2472), or FE00 + selector for a private frame.
+    std::uint32_t code = 0;
+    std::string_view name;
+    /// Bytes after the code; from two on, each carries one nibble of the value, the highest first.
+    std::uint8_t payload = 1;
+    std::uint32_t factory = 0;
+    /// Accepted values, unless `listed` names them.
+    std::uint32_t first = 0;
+    std::uint32_t last = 0xff;
+    std::span<const std::uint8_t> listed = {};
+    std::span<const ViscaWord> words = {};
+    bool persistent = true;
+    /// Answers inquiries only.
+    bool readOnly = false;
+    /// A written value comes into force with the next restart; the one in force stands at code + 10000 hex.
+    bool atRestart = false;
+};
+
+/// A command that moves a register: 81 01 04 code value FF.
+struct ViscaStep {
+    std::uint8_t code;
+    std::uint8_t value;
+    std::string_view name;
+    /// Register that moves, within its accepted range.
+    std::uint32_t target;
+    int delta = 0;
+    /// Where it moves to, with delta 0.
+    std::uint32_t position = 0;
+};
+
+/// A model of the VISCA family.
+struct ViscaModel {
+    std::string_view name;
+    std::span<const ViscaRegister> registers;
+    std::span<const ViscaStep> steps;
+    /// The four bytes of the answer to 81 09 04 22 FF.
+    std::array<std::uint8_t, 4> version{};
+    bool hasMaskUnit = false;
+    /// Restarts on FE 05 03 01 01 0A FF.
+    bool hasPrivateRestart = false;
+};
+
+/// A block of the VISCA family, made from its model's tables. Addresses of its registers are their codes; mask region r
+/// is A100 + r (see MaskUnit::packed), the chosen region A100.
+class ViscaBlock : public CameraBlock {
+public:
+    using CameraBlock::registerValue;
+
+    /// The model must outlive the block.
+    ViscaBlock(const ViscaModel& p_Model, const BlockSettings& p_Settings);
+
+    std::string_view modelName() const override { return m_Model.name; }
+    std::size_t checkByteIndex(std::span<const std::uint8_t> p_Reply) const override;
+    std::optional<std::uint32_t> registerValue(std::uint32_t p_nAddress) const override;
+    bool setRegister(std::uint32_t p_nAddress, std::uint32_t p_nValue) override;
+    std::vector<RegisterState> registers() const override;
+    std::string describe(std::span<const std::uint8_t> p_Frame) const override;
+
+    const MaskUnit& masks() const { return m_Masks; }
+
+protected:
+    Cut cut(std::span<const std::uint8_t> p_Bytes) const override;
+    void executeFrame(std::span<const std::uint8_t> p_Frame, std::int64_t p_nNow) override;
+    void refuseFrame(std::span<const std::uint8_t> p_Frame) override;
+    void resetRegisters(bool p_bLoseState) override;
+    void ambientChanged() override;
+
+private:
+    enum class Outcome { done, syntaxError, notExecutable };
+
+    std::size_t indexOf(std::uint32_t p_nCode) const;
+    std::size_t indexOfCommand(std::span<const std::uint8_t> p_Payload, std::size_t& p_nCodeLength) const;
+    std::string valueText(const ViscaRegister& p_Register, std::uint32_t p_nValue) const;
+    Outcome command(std::span<const std::uint8_t> p_Payload);
+    void inquire(std::span<const std::uint8_t> p_Payload);
+    bool privateCommand(std::span<const std::uint8_t> p_Frame);
+    void store(std::size_t p_nIndex, std::uint32_t p_nValue);
+    void acknowledge();
+    void answer(Outcome p_Outcome);
+
+    const ViscaModel& m_Model;
+    std::vector<std::uint32_t> m_Values;
+    std::vector<std::uint32_t> m_InForce;
+    MaskUnit m_Masks;
+};
+
+} // namespace camerasim
