@@ -24,7 +24,7 @@ enum class FaultKind {
     echo,         ///< the command comes back before the reply
     refuse,       ///< the block refuses the command and does not carry it out
     checksum,     ///< the reply's check byte (without one, the byte that stands in for it) is off by one
-    shortWrite,   ///< a send takes only argument bytes; in-process lines only, as a pty takes what it is given
+    shortWrite,   ///< a send takes only argument bytes, by default all but one; on a pty the others are lost
     portGone,     ///< the port disappears for argument milliseconds; neither carried out nor answered
     reboot        ///< the block restarts with loss of state; neither carried out nor answered
 };
@@ -63,7 +63,7 @@ public:
 
     /// For lines: goes on to the next exchange.
     void beginExchange() { ++m_nExchange; }
-    /// For lines: entry of the kind that hits the present exchange (p_nAhead 0) or the next (1), defaults filled in.
+    /// For lines: the first entry of the kind that hits the present exchange (p_nAhead 0) or the next (1), or null.
     const Fault* hit(FaultKind p_Kind, unsigned p_nAhead = 0) const;
     /// For lines: entries in the order in which they were added; `first` and `last` are absolute here.
     std::span<const Fault> faults() const { return m_Faults; }

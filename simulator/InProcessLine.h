@@ -28,15 +28,17 @@ public:
     /// Calls p_Function(CameraBlock&, now in microseconds) under the lock and gives its result.
     template <class Function>
     decltype(auto) withBlock(Function&& p_Function) {
-        const std::int64_t nNow = m_Time.nowMicroseconds();
         const std::lock_guard lock(m_Mutex);
+        const std::int64_t nNow = m_Time.nowMicroseconds();
+        m_Line.advance(nNow);
         return std::forward<Function>(p_Function)(m_Line.block(), nNow);
     }
     /// Calls p_Function(Line&, now in microseconds) under the lock, for faults, speed, unplugging.
     template <class Function>
     decltype(auto) withLine(Function&& p_Function) {
-        const std::int64_t nNow = m_Time.nowMicroseconds();
         const std::lock_guard lock(m_Mutex);
+        const std::int64_t nNow = m_Time.nowMicroseconds();
+        m_Line.advance(nNow);
         return std::forward<Function>(p_Function)(m_Line, nNow);
     }
 

@@ -24,6 +24,9 @@ public:
     std::ptrdiff_t write(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow);
     /// Gives the bytes that have arrived at the host by now; 0 if none, also while the port is gone.
     std::size_t read(std::span<std::uint8_t> p_Buffer, std::int64_t p_nNow);
+    /// Carries out what is due by now. write and read do it themselves; it is needed before the block is asked or
+    /// driven.
+    void advance(std::int64_t p_nNow);
     /// When something on the line happens next, or `never`. A time that has passed means at once.
     std::int64_t nextDue() const;
 
@@ -58,11 +61,13 @@ private:
         void clear();
     };
 
-    void advance(std::int64_t p_nNow);
     void deliver(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow);
     void serveFrame(std::int64_t p_nNow);
-    void spoil(const Fault& p_Fault);
+    void spoil(const Fault& p_Fault, std::int64_t p_nNow);
     void schedule();
+    void sendPending(std::int64_t p_nNow);
+    void dropUnsentAfterRestart();
+    std::int64_t replyTime(std::int64_t p_nNow) const;
 
     CameraBlock& m_Block;
     int m_nBaud;

@@ -2,6 +2,7 @@
 
 #include "simulator/Line.h"
 
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -55,13 +56,17 @@ public:
     template <class Function>
     decltype(auto) withBlock(Function&& p_Function) {
         const Guard guard(*this);
-        return std::forward<Function>(p_Function)(m_Line.block(), now());
+        const std::int64_t nNow = now();
+        m_Line.advance(nNow);
+        return std::forward<Function>(p_Function)(m_Line.block(), nNow);
     }
     /// Calls p_Function(Line&, now in microseconds) under the server's lock, for faults and speed.
     template <class Function>
     decltype(auto) withLine(Function&& p_Function) {
         const Guard guard(*this);
-        return std::forward<Function>(p_Function)(m_Line, now());
+        const std::int64_t nNow = now();
+        m_Line.advance(nNow);
+        return std::forward<Function>(p_Function)(m_Line, nNow);
     }
 
 private:
@@ -86,17 +91,22 @@ private:
     void removeLink();
     void wake() const;
     void run();
-    bool serve(short p_nEvents);
+    void followPort();
+    void serve(std::int64_t p_nNow);
 
     std::unique_ptr<CameraBlock> m_pBlock;
     Settings m_Settings;
     mutable std::mutex m_Mutex;
+    /// Signals that the port came or went: its descriptors belong to the thread, others wait for it to act.
+    std::condition_variable m_PortChanged;
     Line m_Line;
     std::thread m_Thread;
     std::string m_strSlave;
+    std::string m_strOpenError;
     int m_nMaster = -1;
     int m_nSlave = -1;
     int m_nWake = -1;
+    bool m_bRunning = false;
     bool m_bStop = false;
 };
 

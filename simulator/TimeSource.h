@@ -8,7 +8,8 @@ namespace camerasim {
 struct TimeSource {
     virtual ~TimeSource() = default;
 
-    /// Microseconds since any fixed moment, never going back. Called from any thread.
+    /// Microseconds since any fixed moment, never going back. Called from any thread, also with a line's
+    /// lock held, so it must not call back into a line.
     virtual std::int64_t nowMicroseconds() = 0;
 
     /// Blocks the calling thread for so many microseconds (more than 0) of this clock. Called without a lock held.

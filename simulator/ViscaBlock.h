@@ -97,7 +97,6 @@ private:
     void inquire(std::span<const std::uint8_t> p_Payload);
     bool privateCommand(std::span<const std::uint8_t> p_Frame);
     void store(std::size_t p_nIndex, std::uint32_t p_nValue);
-    void acknowledge();
     void answer(Outcome p_Outcome);
 
     const ViscaModel& m_Model;
