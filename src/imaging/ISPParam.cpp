@@ -1,0 +1,45 @@
+#include "imaging/ISPParam.h"
+
+#include <algorithm>
+
+int ISPParam::setEnableFlag(const std::string& type, bool flag) {
+    m_EnableFlags[type] = flag;
+    return 1;
+}
+
+int ISPParam::getEnableFlag(const std::string& type, bool& flag) const {
+    const auto found = m_EnableFlags.find(type);
+    if (found == m_EnableFlags.end())
+        return 0;
+    flag = found->second;
+    return 1;
+}
+
+int ISPParam::setParam(const std::string& type, const std::string& unit, int min, int max, const std::string& name,
+                       int value) {
+    std::vector<ISPParamUnit>& units = m_Units[type];
+    auto target =
+        std::find_if(units.begin(), units.end(), [&unit](const ISPParamUnit& known) { return known.isNamed(unit); });
+    if (target == units.end()) {
+        target = units.emplace(units.end());
+        target->setName(unit);
+        target->setMin(min);
+        target->setMax(max);
+    }
+    return target->setParam(name, value);
+}
+
+int ISPParam::getParam(const std::string& type, const std::string& name, int key, int& value) const {
+    const auto found = m_Units.find(type);
+    if (found == m_Units.end())
+        return 0;
+    for (const ISPParamUnit& unit : found->second)
+        if (unit.covers(key))
+            return unit.getParam(name, value);
+    return 0;
+}
+
+void ISPParam::clear() {
+    m_Units.clear();
+    m_EnableFlags.clear();
+}
