@@ -22,6 +22,7 @@ public:
     int getProperty(const std::string& name, int& value) const;
     int getProperty(const std::string& name, bool& value) const;
 
+    /// 1, or 0 for a name that no attribute can have or a value with a zero byte.
     int setProperty(const std::string& name, const std::string& value);
     int setProperty(const std::string& name, int value);
 
@@ -35,6 +36,7 @@ private:
 /// The rules of XmlConfigureItem for stand-alone and document nodes hold here too.
 class SENSORHOST_API XmlConfigureNode {
 public:
+    /// A name that no element can have becomes "config".
     explicit XmlConfigureNode(const std::string& name = std::string(), int format = 1);
     ~XmlConfigureNode();
     XmlConfigureNode(const XmlConfigureNode&);
@@ -48,11 +50,11 @@ public:
     int setProperty(const std::string& name, const std::string& value);
     int setProperty(const std::string& name, int value);
 
-    /// Replaces the list by the node's items, in file order. 1, or 0 for a node that stands for nothing.
+    /// Replaces the list by the node's items, in file order. 1.
     int getItemList(std::vector<XmlConfigureItem>& items) const;
-    /// The nodes below this one, in file order.
+    /// Replaces the list by the nodes below this one, in file order. 1.
     int getAllConfigNodeList(std::vector<XmlConfigureNode>& nodes) const;
-    /// Adds a copy.
+    /// Adds a copy. 1.
     int addItem(const XmlConfigureItem& item);
     int addConfigNode(const XmlConfigureNode& node);
 
@@ -73,21 +75,26 @@ public:
     XmlConfigureTool(const XmlConfigureTool&) = delete;
     XmlConfigureTool& operator=(const XmlConfigureTool&) = delete;
 
-    /// 1, or 0: a missing or malformed file, or for Create one that cannot be made. `format` is 1.
+    /// 1, or 0: a missing or malformed file, one longer than 1 MiB or nested deeper than 64 elements, or for Create one
+    /// that cannot be made. Create makes the file at close. Gives up what was open. `format` is 1.
     int open(const std::string& path, int format, int mode);
 
     /// Writes the file unless it was opened for reading only. 1, or 0 if it cannot be written: then the old one stands.
     int close();
 
+    /// The name of the root of the open document, or if none is open of the one created next; "config" otherwise.
     int setRootNodeName(const std::string& name);
     std::string getRootNodeName() const;
 
     /// The first node of that name below the root. 1, or 0 with the target as it was.
     int getConfigNode(const std::string& name, XmlConfigureNode& node) const;
-    /// All nodes below the root, in file order.
+    /// All nodes below the root, in file order. 1, or 0 with the list as it was if nothing is open.
     int getAllConfigNodeList(std::vector<XmlConfigureNode>& nodes) const;
-    /// Adds a copy below the root.
+    /// Adds a copy below the root. 1, or 0 if no document is open for a change.
     int addConfigNode(const XmlConfigureNode& node);
+    /// Takes the first node of that name below the root away. What refers to it must not be used any more. 1, or 0 if
+    /// there is none.
+    int removeConfigNode(const std::string& name);
 
 private:
     struct State;
