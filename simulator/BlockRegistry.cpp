@@ -19,9 +19,7 @@ constexpr auto entries = std::to_array<BlockEntry>({
 
 } // namespace
 
-std::span<const BlockEntry> blockEntries() {
-    return entries;
-}
+std::span<const BlockEntry> blockEntries() { return entries; }
 
 std::unique_ptr<CameraBlock> makeBlock(int p_nModuleId, const BlockSettings& p_Settings) {
     for (const BlockEntry& entry : entries) {

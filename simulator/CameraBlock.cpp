@@ -95,8 +95,10 @@ std::optional<std::uint32_t> CameraBlock::registerValue(std::string_view p_strNa
 }
 
 void CameraBlock::setAmbient(Ambient p_Ambient) {
-    m_Ambient = p_Ambient;
-    ambientChanged();
+    if (m_Ambient != p_Ambient) {
+        m_Ambient = p_Ambient;
+        ambientChanged();
+    }
 }
 
 void CameraBlock::reboot(std::int64_t p_nNow, bool p_bLoseState) {

@@ -85,8 +85,6 @@ constexpr ViscaModel cmd8100{.name = "cmd8100",
 
 Cmd8100Block::Cmd8100Block(const BlockSettings& p_Settings) : ViscaBlock(cmd8100, p_Settings) {}
 
-const ViscaModel& Cmd8100Block::model() {
-    return cmd8100;
-}
+const ViscaModel& Cmd8100Block::model() { return cmd8100; }
 
 } // namespace camerasim

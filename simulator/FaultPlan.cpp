@@ -140,9 +140,7 @@ void FaultPlan::add(const Fault& p_Fault) {
     added.last = p_Fault.last > forever - m_nExchange ? forever : p_Fault.last + m_nExchange;
 }
 
-void FaultPlan::clear() {
-    m_Faults.clear();
-}
+void FaultPlan::clear() { m_Faults.clear(); }
 
 std::vector<std::string_view> FaultPlan::names() {
     std::vector<std::string_view> list;

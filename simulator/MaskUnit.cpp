@@ -58,19 +58,20 @@ std::string MaskUnit::describe(std::span<const std::uint8_t> p_Frame) {
     const std::string strRegion = std::to_string(p_Frame[2]);
     switch (p_Frame[1]) {
     case choose:
-        return "mask: choose region " + strRegion;
-    case set:
         return "mask: set region " + strRegion;
+    case set:
+        return "mask: set " + strRegion;
     case show:
-        return "mask: show region " + strRegion;
+        return "mask: show " + strRegion;
     case hide:
-        return "mask: hide region " + strRegion;
+        return "mask: hide " + strRegion;
     case clearOne:
-        return "mask: clear region " + strRegion;
+        return "mask: clear " + strRegion;
     case clearAll:
-        return "mask: clear all regions";
+        return "mask: clear all";
     case resize: {
-        static constexpr std::string_view steps[] = {"wider", "narrower", "higher", "lower"};
+        static constexpr std::string_view steps[] = {"increase width", "decrease width", "increase height",
+                                                     "decrease height"};
         if (p_Frame[2] >= 1 && p_Frame[2] <= 4) {
             return "mask: " + std::string(steps[p_Frame[2] - 1]);
         }

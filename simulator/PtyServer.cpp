@@ -107,9 +107,7 @@ std::string PtyServer::slavePath() const {
     return m_strSlave;
 }
 
-std::string PtyServer::portPath() const {
-    return m_Settings.linkPath.empty() ? slavePath() : m_Settings.linkPath;
-}
+std::string PtyServer::portPath() const { return m_Settings.linkPath.empty() ? slavePath() : m_Settings.linkPath; }
 
 void PtyServer::unplug() {
     std::unique_lock lock(m_Mutex);

@@ -54,9 +54,7 @@ bool sumIsRight(Bytes p_Frame) {
     return static_cast<std::uint8_t>(std::accumulate(summed.begin(), summed.end(), 0U)) == p_Frame[p_Frame.size() - 2];
 }
 
-bool isPrivateRestart(Bytes p_Frame) {
-    return p_Frame[0] == privateHeader && p_Frame[1] == 0x05;
-}
+bool isPrivateRestart(Bytes p_Frame) { return p_Frame[0] == privateHeader && p_Frame[1] == 0x05; }
 
 std::uint32_t valueOf(Bytes p_Payload) {
     if (p_Payload.size() == 1) {
