@@ -344,12 +344,15 @@ protected:
 
 private:
     int turnInfraredLight(int selector, int value, int highest, const char* name);
+    int driveFilter(int level);
+    int driveInfraredLight(int level);
     int setSwitchTime(std::atomic<int>& time, int newTime, const std::atomic<int>& otherTime, const char* name);
     bool isSpanChecked() const { return m_bisInited && !m_bisReset; }
     void storeSpanStart(int time);
     void storeSpanEnd(int time);
     SensorConfigFile* schemeFile(int scheme) const;
     ParamScheme* schemeRecord(int scheme) const;
+    int loadCurrentCache(const std::string& text);
     int initSchemeFiles(const std::string& all);
     void alignFile(SensorConfigFile& file, const std::string& all);
     void copyFactoryFile(const SensorConfigFile& file);

@@ -19,13 +19,9 @@ SensorControllerManager::SensorControllerManager() = default;
 
 SensorControllerManager::~SensorControllerManager() = default;
 
-void SensorControllerManager::setUARTController(const SafePointer<IUARTController>& uart) {
-    m_pUARTController = uart;
-}
+void SensorControllerManager::setUARTController(const SafePointer<IUARTController>& uart) { m_pUARTController = uart; }
 
-void SensorControllerManager::setGPIO(const SafePointer<IGPIO>& gpio) {
-    m_pGPIO = gpio;
-}
+void SensorControllerManager::setGPIO(const SafePointer<IGPIO>& gpio) { m_pGPIO = gpio; }
 
 void SensorControllerManager::init(int videoSystem, const VideoResolution& resolution,
                                    const ModuleConfigure& configure) {
@@ -42,9 +38,7 @@ void SensorControllerManager::init(int videoSystem, const VideoResolution& resol
         printDiagnostic("!!!!!!!!!!!!!!!!!!SensorControllerManager::init successs");
 }
 
-SafePointer<ISensorController> SensorControllerManager::getSensorController() const {
-    return m_pSensorController;
-}
+SafePointer<ISensorController> SensorControllerManager::getSensorController() const { return m_pSensorController; }
 
 int SensorControllerManager::updateSensorVideoSystem(int videoSystem, const VideoResolution& resolution) {
     return m_pSensorController->updateSensorVideoSystem(videoSystem, resolution);

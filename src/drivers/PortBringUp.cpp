@@ -1,0 +1,76 @@
+#include "drivers/PortBringUp.h"
+
+#include "host/ModuleConfigure.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+namespace sensorcontrol {
+
+ModuleKeys::ModuleKeys(ISensorController& controller, const ModuleConfigure& configure)
+    : m_Controller(controller), m_Configure(configure) {}
+
+int ModuleKeys::parseDetail() {
+    if (m_Detail.parse(m_Configure.getDetail()))
+        return 1;
+    m_Controller.ErrorPrintf("parse detail failed");
+    return 0;
+}
+
+int ModuleKeys::parseParameters() {
+    if (m_Parameters.parse(m_Configure.getParameters()))
+        return 1;
+    m_Controller.ErrorPrintf("parse senseParameter failed");
+    return 0;
+}
+
+int ModuleKeys::detail(const char* key, std::string& value, const char* failure) {
+    if (m_Detail.getValue(key, value))
+        return 1;
+    m_Controller.ErrorPrintf("%s", failure);
+    return 0;
+}
+
+int ModuleKeys::parameter(const char* key, std::string& value, const char* failure) {
+    if (m_Parameters.getValue(key, value))
+        return 1;
+    m_Controller.ErrorPrintf("%s", failure);
+    return 0;
+}
+
+int ModuleKeys::detailNumber(const char* key, int& value, const char* failure) {
+    std::string text;
+    const int isThere = detail(key, text, failure);
+    value = toNumber(text);
+    return isThere;
+}
+
+int toNumber(const std::string& text) {
+    const long number = std::strtol(text.c_str(), nullptr, 10);
+    return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
+}
+
+int openPort(ISensorController& controller, IUARTController& port, const std::string& deviceName,
+             const std::string& lineText, int& handle) {
+    int baudRate = 0;
+    int dataBits = 0;
+    int stopBits = 0;
+    int parity = 0;
+    const int count = std::sscanf(lineText.c_str(), "%d,%d,%d,%d", &baudRate, &dataBits, &stopBits, &parity);
+    if (count < 4) {
+        controller.ErrorPrintf("parse RS485 param failed,nRet=%d", count);
+        return 0;
+    }
+    std::printf("RS485(%s) param is (%d,%d,%d,%d)\n", deviceName.c_str(), baudRate, dataBits, stopBits, parity);
+    handle = port.open(deviceName.c_str());
+    if (handle < 0) {
+        controller.ErrorPrintf("open uart (%s) failed", deviceName.c_str());
+        return 0;
+    }
+    // The port takes parity before stop bits, the text has them the other way round.
+    return port.setParameter(handle, baudRate, dataBits, parity, stopBits) ? 1 : 0;
+}
+
+} // namespace sensorcontrol

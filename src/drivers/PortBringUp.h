@@ -1,0 +1,40 @@
+#pragma once
+
+#include "controller/ISensorController.h"
+#include "host/ModuleParameterParser.h"
+
+#include <string>
+
+class ModuleConfigure;
+
+namespace sensorcontrol {
+
+/// The module's two strings while a controller comes up. Every step that fails logs its text and gives 0.
+class ModuleKeys {
+public:
+    ModuleKeys(ISensorController& controller, const ModuleConfigure& configure);
+
+    int parseDetail();
+    int parseParameters();
+
+    /// The text of a key; a missing one logs `failure`.
+    int detail(const char* key, std::string& value, const char* failure);
+    int parameter(const char* key, std::string& value, const char* failure);
+    /// The same as a decimal number; text that is none counts as 0.
+    int detailNumber(const char* key, int& value, const char* failure);
+
+private:
+    ISensorController& m_Controller;
+    const ModuleConfigure& m_Configure;
+    ModuleParameterParser m_Detail;
+    ModuleParameterParser m_Parameters;
+};
+
+/// The number that a text begins with, 0 without one, cut to what an int holds.
+int toNumber(const std::string& text);
+
+/// Opens a serial device and sets its line from a text "baud,data bits,stop bits,parity". 1 and the handle, or 0.
+int openPort(ISensorController& controller, IUARTController& port, const std::string& deviceName,
+             const std::string& lineText, int& handle);
+
+} // namespace sensorcontrol

@@ -1,0 +1,299 @@
+#include "drivers/visca/CMD8100SenseController.h"
+
+#include "controller/FactoryValues.h"
+#include "drivers/MaskRows.h"
+#include "drivers/ParameterTable.h"
+#include "drivers/visca/ViscaFrames.h"
+#include "drivers/visca/ViscaModel.h"
+#include "host/BreltoTime.h"
+
+#include <cstdio>
+
+namespace {
+
+using namespace sensorcontrol;
+using visca::setting;
+using Block = CMD8100SenseController;
+
+constexpr int ExposalModeId = 0;
+constexpr int MirrorId = 4;
+constexpr int IrisId = 5;
+constexpr int ShutterId = 7;
+constexpr int FocusModeId = 15;
+
+/// Maximum gain 0 to 38 in the block's 16 steps.
+constexpr std::uint8_t gainSteps[] = {
+    0, 1, 1, 1, 2,  2,  3,  3,  3,  4,  4,  5,  5,  5,  6,  6,  7,  7,  7,  8,
+    8, 9, 9, 9, 10, 10, 11, 11, 11, 12, 12, 13, 13, 13, 14, 14, 15, 15, 15,
+};
+
+constexpr auto blockRows = std::to_array<ParameterRow>({
+    {.id = ExposalModeId,
+     .name = "ExposalMode",
+     .accepts = range(0, 3),
+     .set = call<&Block::setExposalMode>,
+     .factory = 0},
+    {.id = 1,
+     .name = "Brightness",
+     .accepts = range(0, 100),
+     .refusal = "p_nBrightness(%d) is out of range",
+     .send = setting(0x4e, 0, 0, 0, V),
+     .value = scaled(14, 100),
+     .factory = 50},
+    {.id = 2,
+     .name = "Sharpness",
+     .accepts = range(0, 100),
+     .refusal = "p_Sharpness(%d) is out of range",
+     .send = setting(0x42, 0, 0, 0, V),
+     .value = scaled(14, 100),
+     .factory = 40},
+    {.id = 3,
+     .name = "Saturation",
+     .accepts = range(0, 100),
+     .refusal = "p_nSaturation(%d) is out of range",
+     .send = setting(0x49, 0, 0, 0, V),
+     .value = scaled(14, 100),
+     .factory = 90},
+    {.id = MirrorId, .name = "Mirror", .accepts = range(0, 3), .set = call<&Block::setMirror>, .factory = 0},
+    {.id = IrisId,
+     .name = "Iris",
+     .accepts = range(5, 17),
+     .refusal = "p_nIris(%d) is out of range",
+     .onlyWhile = whileStored(ExposalModeId, 2),
+     .send = setting(0x4b, 0, 0, HI, LO),
+     .factory = 16},
+    {.id = 6,
+     .name = "Photometry",
+     .accepts = range(2, 3),
+     .refusal = "setPhotometry(%d) out of range",
+     .send = setting(0xa2, V),
+     .factory = 2},
+    {.id = ShutterId,
+     .name = "Shutter",
+     .accepts = range(0, 18),
+     .refusal = "p_nShutter(%d) is out of range",
+     .onlyWhile = whileStored(ExposalModeId, 1),
+     .send = setting(0x4a, 0, 0, HI, LO),
+     .factory = 0},
+    {.id = 9,
+     .name = "WDRMode",
+     .accepts = range(2, 3),
+     .refusal = "p_nWD(%d) is out of range",
+     .send = setting(0x3d, V),
+     .factory = 3},
+    {.id = 10,
+     .name = "DeFog",
+     .accepts = range(2, 3),
+     .refusal = "p_nDeFog(%d) is out of range",
+     .send = setting(0xa1, V),
+     .factory = 3},
+    {.id = 11,
+     .name = "NoiseReduction",
+     .accepts = range(0, 6),
+     .refusal = "p_nNR(%d) is out of range",
+     .send = setting(0x53, V),
+     .factory = 6},
+    {.id = 12, .name = "DayNightMode", .set = call<&Block::setDayNightMode>, .factory = factory::DayNightMode},
+    {.id = 13,
+     .name = "Threshold",
+     .accepts = range(0, 28),
+     .refusal = "p_nThreshold(%d) is out of range",
+     .onlyWhile = withoutInfrared,
+     .send = setting(0x21, 0, 0, HI, LO),
+     .factory = 10},
+    {.id = 14,
+     .name = "MaxGain",
+     .accepts = range(0, 38),
+     .refusal = "p_nMaxGain(%d) is out of range",
+     .send = setting(0x2c, V),
+     .value = lookedUp(gainSteps),
+     .factory = 30,
+     .getFailure = "getGainLimit error,value is %d"},
+    {.id = FocusModeId, .name = "FocusMode", .set = call<&Block::setFocusMode>, .factory = 1},
+    {.id = 16,
+     .name = "FocusNearLimit",
+     .accepts = range(0, 4),
+     .refusal = "p_nFocusNearLimit(%d) is out of range",
+     .send = setting(0x28, 0, 0, 0, V),
+     .factory = 2},
+    {.id = 17,
+     .name = "Sensitivity",
+     .accepts = range(1, 6),
+     .refusal = "setSensitivity(%d) out of range",
+     .send = setting(0x58, V),
+     .value = shifted(-1),
+     .factory = 2},
+    {.id = 19,
+     .name = "WBMode",
+     .accepts = oneOf(0, 4, 9),
+     .refusal = "setWBMode(%d) out of range",
+     .send = setting(0x35, V),
+     .factory = 4},
+    {.id = 20,
+     .name = "ShutDownLimit",
+     .accepts = range(0, 12),
+     .refusal = "setShutDownLimit(%d) is out of range",
+     .send = setting(0xa3, 0, 0, HI, LO),
+     .factory = 0},
+    {.id = 52, .name = "IrisUp", .kind = IdManager::SetOnly, .command = run<&Block::IrisUp>},
+    {.id = 53, .name = "IrisDown", .kind = IdManager::SetOnly, .command = run<&Block::IrisDown>},
+    {.id = 54, .name = "FocusUp", .kind = IdManager::SetOnly, .command = run<&Block::FocusUp>},
+    {.id = 55, .name = "FocusDown", .kind = IdManager::SetOnly, .command = run<&Block::FocusDown>},
+    {.id = 56,
+     .name = "PowerMode",
+     .accepts = range(0, 1),
+     .set = call<&ISensorController::setPowerMode>,
+     .factory = factory::PowerMode},
+    {.id = 57,
+     .name = "NearLight",
+     .accepts = range(0, 100),
+     .set = call<&ISensorController::setNearLight>,
+     .factory = factory::LightPower},
+    {.id = 58,
+     .name = "MiddleLight",
+     .accepts = range(0, 100),
+     .set = call<&ISensorController::setMiddleLight>,
+     .factory = factory::LightPower},
+    {.id = 59,
+     .name = "FarLight",
+     .accepts = range(0, 100),
+     .set = call<&ISensorController::setFarLight>,
+     .factory = factory::LightPower},
+    {.id = 60,
+     .name = "DTNTime_H",
+     .set = call<&ISensorController::setDTNTime_H>,
+     .setFailure = "setDTNTime_H failed",
+     .factory = factory::DTNTime_H,
+     .getFailure = "getDTNTime_H failed"},
+    {.id = 61,
+     .name = "DTNTime_M",
+     .set = call<&ISensorController::setDTNTime_M>,
+     .setFailure = "setDTNTime_M failed",
+     .factory = factory::DTNTime_M,
+     .getFailure = "getDTNTime_M failed"},
+    {.id = 62,
+     .name = "NTDTime_H",
+     .set = call<&ISensorController::setNTDTime_H>,
+     .setFailure = "setNTDTime_H failed",
+     .factory = factory::NTDTime_H,
+     .getFailure = "getNTDTime_H failed"},
+    {.id = 63,
+     .name = "NTDTime_M",
+     .set = call<&ISensorController::setNTDTime_M>,
+     .setFailure = "setNTDTime_M failed",
+     .factory = factory::NTDTime_M,
+     .getFailure = "getNTDTime_M failed"},
+    {.id = 64,
+     .name = "OnePushTrigger",
+     .kind = IdManager::SetOnly,
+     .command = run<&Block::OnePushTrigger>,
+     .setFailure = "OnePushTrigger failed\n"},
+});
+
+constexpr auto rows = joined(blockRows, maskRows);
+static_assert(isWellFormed(rows));
+
+constexpr FramePattern manualSwitching = setting(0x51, 0x03);
+constexpr FramePattern toDay[] = {manualSwitching, setting(0x01, 0x03)};
+constexpr FramePattern toNight[] = {manualSwitching, setting(0x01, 0x02)};
+constexpr FramePattern toAuto[] = {setting(0x51, 0x02)};
+
+constexpr ViscaModel cmd8100{
+    .parameters = {.className = "CMD8100SenseController", .rows = rows},
+    .turnToDay = toDay,
+    .turnToNight = toNight,
+    .turnToAuto = toAuto,
+};
+
+constexpr ViscaVideoSystem videoSystems{
+    .ntsc = 0x06, .pal = 0x08, .restart = FramePattern(0xfe, 0x05, 0x03, 0x01, 0x01, 0x0a, 0xff)};
+
+} // namespace
+
+CMD8100SenseController::CMD8100SenseController() : ViscaController(16, cmd8100) {
+    setSensorConfigVersion(4);
+    setSensorConfigVersion2(3);
+}
+
+CMD8100SenseController::~CMD8100SenseController() { stopDNChangeThread(); }
+
+const ViscaModel& CMD8100SenseController::model() { return cmd8100; }
+
+int CMD8100SenseController::initController(int, const ModuleConfigure& configure) {
+    if (!bringUpPort(configure, &m_nGeneration))
+        return 0;
+    if (!send(setting(0x3e, 0x02)))
+        ErrorPrintf("Brightness on Failed.");
+    return 1;
+}
+
+int CMD8100SenseController::setSensorVideoSystem(int videoSystem, const VideoResolution&) {
+    BreltoTime::wait(BreltoTime(0, 100));
+    return changeVideoSystem(videoSystems, videoSystem);
+}
+
+int CMD8100SenseController::NotifySensorInitComplate() { return notifyByInquiry(); }
+
+int CMD8100SenseController::getMirrorValue(int& value) { return getParameter(MirrorId, value); }
+
+int CMD8100SenseController::setExposalMode(int mode) {
+    static constexpr std::uint8_t modes[] = {0x00, 0x0a, 0x0b, 0xa0};
+    if (mode < 0 || mode > 3 || !send(setting(0x39, V), modes[mode]))
+        return 0;
+    if (mode != 1 && mode != 2)
+        return 1;
+    const int dependentId = mode == 1 ? ShutterId : IrisId;
+    int value = 0;
+    return getParameter(dependentId, value) ? apply(dependentId, value) : 0;
+}
+
+int CMD8100SenseController::setMirror(int mirror) {
+    struct Commands {
+        std::uint8_t leftRight;
+        std::uint8_t upDown;
+    };
+    static constexpr Commands common[] = {{0x03, 0x03}, {0x02, 0x03}, {0x03, 0x02}, {0x02, 0x02}};
+    // The fourth generation is mounted upside down.
+    static constexpr Commands fourth[] = {{0x02, 0x02}, {0x03, 0x02}, {0x02, 0x03}, {0x03, 0x03}};
+    if (mirror < 0 || mirror > 3) {
+        ErrorPrintf("p_nMirror(%d) is out of range", mirror);
+        return 0;
+    }
+    const Commands& commands = m_nGeneration == 4 ? fourth[mirror] : common[mirror];
+    return send(setting(0x61, V), commands.leftRight) && send(setting(0x66, V), commands.upDown) ? 1 : 0;
+}
+
+int CMD8100SenseController::setFocusMode(int mode) {
+    switch (mode) {
+    case 0:
+        return send(setting(0x38, 0x02)) && send(setting(0x57, 0x02)) ? 1 : 0;
+    case 1:
+        return send(setting(0x38, 0x02)) && send(setting(0x57, 0x00)) ? 1 : 0;
+    case 2:
+        return send(setting(0x38, 0x03));
+    default:
+        return 1;
+    }
+}
+
+int CMD8100SenseController::getFocusMode(int& mode) {
+    return ParameterTable::factoryValue(cmd8100.parameters, FocusModeId, mode);
+}
+
+int CMD8100SenseController::setDayNightMode(int mode) {
+    m_nDayNightMode = mode == 0 ? 4 : mode;
+    reInitDelayStartTime();
+    return 1;
+}
+
+void CMD8100_TOOL::printArray(const char* bytes, int length) {
+    for (int i = 0; i < length; ++i)
+        std::printf("0x%02x\t", static_cast<unsigned char>(bytes[i]));
+    std::puts("");
+}
+
+void CMD8100_TOOL::printIntArray(const int* values, int length) {
+    for (int i = 0; i < length; ++i)
+        std::printf("0x%02x\t", static_cast<unsigned int>(values[i]));
+    std::puts("");
+}
