@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,9 +12,11 @@
 namespace fuzzing {
 
 /// Ends the program as a crash does if a promise is broken, so that the input is kept.
-inline void require(bool holds) {
-    if (!holds)
+inline void require(bool holds, int line = __builtin_LINE()) {
+    if (!holds) {
+        std::fprintf(stderr, "broken promise in line %d\n", line);
         std::abort();
+    }
 }
 
 /// A folder of this process, gone with it.
