@@ -2,6 +2,7 @@
 #include "simulator/Cmd8100Block.h"
 #include "simulator/InProcessLine.h"
 
+#include <random>
 #include <set>
 #include <thread>
 
@@ -243,6 +244,43 @@ TEST(Line, RestartForgetsWhatWasNotSent) {
     EXPECT_EQ(bench.ask(inquire), "");
     EXPECT_EQ(bench.ask(inquire, 7), "90 50 00 00 00 05 FF");
     EXPECT_EQ(bench.ask(std::string(set5) + " FE 05 03 01 01 0A FF"), "90 41 FF");
+}
+
+TEST(Line, NoBytesAndNoFaultsLeaveTheBlockDeaf) {
+    static constexpr std::uint8_t heads[] = {0x81, 0x01, 0x04, 0x09, 0xfe, 0x05, 0x1e,
+                                             0x02, 0xa1, 0xff, 0x4d, 0x45, 0x20, 0x24};
+    std::minstd_rand random(7);
+    const auto number = [&random](unsigned nBelow) { return static_cast<unsigned>(random() >> 8) % nBelow; };
+    for (int nRound = 0; nRound < 300; ++nRound) {
+        SCOPED_TRACE(nRound);
+        Bench bench(BlockSettings{.habit = static_cast<ReplyHabit>(number(3))}, nRound % 3 == 0 ? 9600 : 0);
+        bench.line.withLine([&](Line& line, std::int64_t) {
+            for (unsigned i = number(4); i > 0; --i) {
+                const unsigned nFirst = number(20) + 1;
+                line.faults().add({.kind = static_cast<FaultKind>(number(15)),
+                                   .argument = static_cast<int>(number(12)) - 1,
+                                   .extra = static_cast<int>(number(12)) - 1,
+                                   .first = nFirst,
+                                   .last = nFirst + number(20)});
+            }
+        });
+        std::vector<std::uint8_t> bytes;
+        for (int nSend = 0; nSend < 40; ++nSend) {
+            bytes.clear();
+            for (unsigned i = number(90); i > 0; --i) {
+                bytes.push_back(number(4) == 0 ? static_cast<std::uint8_t>(number(256))
+                                               : heads[number(std::size(heads))]);
+            }
+            bench.line.send(bytes);
+            bench.recv(number(30), static_cast<int>(number(2)));
+            bench.line.withBlock(
+                [&](CameraBlock& block, std::int64_t) { EXPECT_FALSE(block.describe(bytes).empty()); });
+        }
+        bench.line.withLine([](Line& line, std::int64_t) { line.faults().clear(); });
+        bench.clock.waitMicroseconds(20'000'000);
+        bench.ask("81 09 04 22 FF", 10'000); // also brings what a merge held back
+        EXPECT_EQ(bench.ask("81 09 04 22 FF", 7), "90 50 00 20 01 08 FF");
+    }
 }
 
 TEST(Line, CallsFromSeveralThreads) {
