@@ -1,0 +1,91 @@
+#include "support/BlockPort.h"
+
+#include "host/BRDeviceTime.h"
+#include "host/BreltoTime.h"
+#include "simulator/BlockRegistry.h"
+
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+
+namespace {
+
+constexpr int Handle = 3;
+
+std::span<const std::uint8_t> asBytes(const char* bytes, int length) {
+    return {reinterpret_cast<const std::uint8_t*>(bytes), static_cast<std::size_t>(length)};
+}
+
+} // namespace
+
+std::int64_t HostTime::nowMicroseconds() { return std::llround(BRDeviceTime::getSeconds() * 1e6); }
+
+void HostTime::waitMicroseconds(std::int64_t microseconds) {
+    BreltoTime::wait(BreltoTime(static_cast<long>(microseconds / 1000000), static_cast<long>(microseconds % 1000000)));
+}
+
+BlockPort::BlockPort(int moduleId, const camerasim::BlockSettings& settings)
+    : m_Line(camerasim::makeBlock(moduleId, settings), m_Time) {}
+
+int BlockPort::open(const char* deviceName) {
+    m_strDeviceName = deviceName;
+    return m_bOpens ? Handle : -1;
+}
+
+int BlockPort::close(int) { return 1; }
+
+int BlockPort::setParameter(int, int baudRate, int dataBits, int parity, int stopBits) {
+    m_LineSettings = {baudRate, dataBits, parity, stopBits};
+    return 1;
+}
+
+int BlockPort::send(int, const char* bytes, int length) {
+    {
+        const std::lock_guard lock(m_Mutex);
+        m_Sent.push_back(toHex(bytes, length));
+    }
+    return static_cast<int>(m_Line.send(asBytes(bytes, length)));
+}
+
+int BlockPort::recv(int, char* buffer, int length, int timeout) {
+    ++m_nReceives;
+    return static_cast<int>(
+        m_Line.recv({reinterpret_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(length)}, timeout));
+}
+
+std::vector<std::string> BlockPort::takeSent() {
+    const std::lock_guard lock(m_Mutex);
+    return std::exchange(m_Sent, {});
+}
+
+void BlockPort::addFault(const std::string& plan) {
+    std::string error;
+    m_Line.withLine([&](camerasim::Line& line, std::int64_t) {
+        if (!line.faults().add(plan, error))
+            throw std::invalid_argument(error);
+    });
+}
+
+void BlockPort::clearFaults() {
+    m_Line.withLine([](camerasim::Line& line, std::int64_t) { line.faults().clear(); });
+}
+
+std::uint32_t BlockPort::registerValue(std::uint32_t address) {
+    return m_Line.withBlock([&](const camerasim::CameraBlock& block, std::int64_t) {
+        return block.registerValue(address).value_or(0xffffffff);
+    });
+}
+
+void BlockPort::setAmbient(camerasim::Ambient ambient) {
+    m_Line.withBlock([&](camerasim::CameraBlock& block, std::int64_t) { block.setAmbient(ambient); });
+}
+
+std::string toHex(const char* bytes, int length) {
+    std::string text;
+    for (int i = 0; i < length; ++i) {
+        char byte[8];
+        std::snprintf(byte, sizeof byte, i == 0 ? "%02X" : " %02X", static_cast<unsigned char>(bytes[i]));
+        text += byte;
+    }
+    return text;
+}

@@ -1,0 +1,45 @@
+#include "support/TempRoot.h"
+
+#include "host/linux/HostSettings.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+TempRoot::TempRoot() {
+    std::string name = std::filesystem::temp_directory_path() / "sensorcontrol-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr)
+        throw std::runtime_error("no temporary folder");
+    m_strPath = name;
+    sensorhost::setRootFolder(m_strPath);
+}
+
+TempRoot::~TempRoot() {
+    sensorhost::setRootFolder("");
+    std::error_code ignored;
+    std::filesystem::remove_all(m_strPath, ignored);
+}
+
+std::string TempRoot::read(const std::string& devicePath) const {
+    std::ifstream file(m_strPath + devicePath, std::ios::binary);
+    if (!file)
+        return "<none>";
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void TempRoot::write(const std::string& devicePath, const std::string& text) const {
+    const std::filesystem::path path = m_strPath + devicePath;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+void TempRoot::remove(const std::string& devicePath) const { std::filesystem::remove_all(m_strPath + devicePath); }
+
+void TempRoot::writeSchemeCount(int count) const {
+    write("/hd1/moduleConfig/sensorAbility.xml",
+          "<ability><paramScheme><item value=\"" + std::to_string(count) + "\"/></paramScheme></ability>\n");
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+/// A folder of its own under which all files of the device live, for the life of the object.
+class TempRoot {
+public:
+    TempRoot();
+    ~TempRoot();
+    TempRoot(const TempRoot&) = delete;
+    TempRoot& operator=(const TempRoot&) = delete;
+
+    const std::string& path() const { return m_strPath; }
+
+    /// The text of a device file, "<none>" if it is not there.
+    std::string read(const std::string& devicePath) const;
+    void write(const std::string& devicePath, const std::string& text) const;
+    void remove(const std::string& devicePath) const;
+
+    /// Makes the installation's file that says how many schemes there are.
+    void writeSchemeCount(int count) const;
+
+private:
+    std::string m_strPath;
+};
