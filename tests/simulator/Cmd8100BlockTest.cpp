@@ -301,6 +301,9 @@ TEST(Cmd8100Block, StateSurvivesAFile) {
     ASSERT_TRUE(loadState(*pSecond, strPath, strError)) << strError;
     EXPECT_EQ(stateText(*pSecond), stateText(block));
     EXPECT_EQ(pSecond->registerValue(0x01), 2U);
+    EXPECT_EQ(pSecond->registerValue("mask 9"), block.registerValue("mask 9"));
+    EXPECT_NE(pSecond->registerValue("mask 9"), std::nullopt);
+    EXPECT_EQ(stateText(block).find("focus position"), std::string::npos) << "a lens does not stay where it was";
     EXPECT_EQ(pSecond->registerValue("video system in force"), 8U);
     std::filesystem::remove(strPath);
 

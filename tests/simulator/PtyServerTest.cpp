@@ -3,6 +3,7 @@
 #include "WireText.h"
 #include "simulator/Cmd8100Block.h"
 
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 
@@ -88,6 +89,15 @@ TEST_F(PtyServerTest, ClientsComeAndGo) {
         EXPECT_EQ(client.ask("81 09 04 61 FF", 4), std::string("90 50 ") + szValue + " FF");
     }
     pServer->withBlock([](CameraBlock& block, std::int64_t) { block.setAmbient(Ambient::dark); });
+    // A master without any slave reads errors without end.
+    const auto spent = [] {
+        timespec time{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return time.tv_sec * 1'000'000 + time.tv_nsec / 1000;
+    };
+    const auto nBefore = spent();
+    usleep(100'000);
+    EXPECT_LT(spent() - nBefore, 20'000) << "the server is busy without a client";
     const Client client(pServer->portPath());
     EXPECT_EQ(client.ask("81 09 04 01 FF", 4), "90 50 02 FF");
     EXPECT_EQ(pServer->withBlock([](CameraBlock& block, std::int64_t) { return block.receivedFrameCount(); }), 7U);
