@@ -1,0 +1,216 @@
+#include "Commands.h"
+#include "Failure.h"
+#include "Output.h"
+#include "Session.h"
+#include "simulator/BlockRegistry.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <initializer_list>
+#include <nlohmann/json.hpp>
+
+namespace sensorctl {
+
+namespace {
+
+using sensorcontrol::ParameterInfo;
+using Json = nlohmann::ordered_json;
+
+/// A cell of a line; a negative width aligns to the left, 0 takes what it needs.
+struct Cell {
+    std::string text;
+    int width = 0;
+};
+
+std::string lineOf(std::initializer_list<Cell> cells) {
+    std::string line;
+    for (const Cell& cell : cells) {
+        const std::size_t width = static_cast<std::size_t>(std::abs(cell.width));
+        const std::string padding(width - std::min(width, cell.text.size()), ' ');
+        line += (line.empty() ? "" : "  ") + (cell.width < 0 ? cell.text + padding : padding + cell.text);
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+std::string numberText(const std::optional<int>& value) { return value ? std::to_string(*value) : "-"; }
+
+Json numberJson(const std::optional<int>& value) { return value ? Json(*value) : Json(); }
+
+void recordValue(Output& output, const ParameterInfo& parameter, int value) {
+    Json object;
+    object["id"] = parameter.id;
+    object["name"] = parameter.name;
+    object["value"] = value;
+    output.record(std::to_string(parameter.id) + ' ' + parameter.name + ' ' + std::to_string(value), object);
+}
+
+void recordSetting(Output& output, const ParameterInfo& parameter, int value, const char* result) {
+    Json object;
+    object["id"] = parameter.id;
+    object["name"] = parameter.name;
+    object["value"] = value;
+    object["result"] = result;
+    output.record(std::to_string(parameter.id) + ' ' + parameter.name + ' ' + std::to_string(value) + ' ' + result,
+                  object);
+}
+
+const char* resultText(ExitCode code) {
+    switch (code) {
+    case Refused:
+        return "refused";
+    case NoAnswer:
+        return "no-answer";
+    default:
+        return "failed";
+    }
+}
+
+std::string listLine(const std::string& id, const std::string& name, const std::string& accepts,
+                     const std::string& factory, const std::string& kind, const std::string& value,
+                     const std::string& condition) {
+    return lineOf({{id, 4}, {name, -16}, {accepts, -8}, {factory, 7}, {kind, -12}, {value, 5}, {condition}});
+}
+
+std::string moduleLine(const std::string& id, const std::string& name, const std::string& count,
+                       const std::string& simulated) {
+    return lineOf({{id, 2}, {name, -28}, {count, 10}, {simulated}});
+}
+
+void recordParameter(Output& output, const ParameterInfo& parameter, const std::optional<int>& value) {
+    Json object;
+    object["id"] = parameter.id;
+    object["name"] = parameter.name;
+    object["accepts"] = Json::array();
+    for (const sensorcontrol::ValueRange& range : parameter.accepts)
+        object["accepts"].push_back({range.low, range.high});
+    object["command"] = parameter.isCommand;
+    object["factory"] = numberJson(parameter.factoryValue);
+    object["kind"] = Parameters::kindText(parameter);
+    object["value"] = numberJson(value);
+    object["condition"] = parameter.condition;
+    output.record(listLine(std::to_string(parameter.id), parameter.name, Parameters::acceptsText(parameter),
+                           numberText(parameter.factoryValue), Parameters::kindText(parameter), numberText(value),
+                           parameter.condition),
+                  object);
+}
+
+} // namespace
+
+int listModules(Output& output) {
+    output.heading(moduleLine("id", "class", "parameters", "simulated block"));
+    for (const int id : sensorcontrol::listModuleIds()) {
+        const Parameters parameters(id);
+        const auto blocks = camerasim::blockEntries();
+        const auto block = std::find_if(blocks.begin(), blocks.end(),
+                                        [id](const camerasim::BlockEntry& entry) { return entry.moduleId == id; });
+        const std::string name = block != blocks.end() ? std::string(block->name) : "-";
+        Json object;
+        object["id"] = id;
+        object["class"] = parameters.className();
+        object["parameters"] = parameters.all().size();
+        object["simulated"] = block != blocks.end() ? Json(name) : Json();
+        output.record(
+            moduleLine(std::to_string(id), parameters.className(), std::to_string(parameters.all().size()), name),
+            object);
+    }
+    return Done;
+}
+
+int listParameters(Output& output, const TargetOptions& target, bool catalogueOnly) {
+    target.check(false);
+    std::map<int, int> values;
+    std::unique_ptr<Session> session;
+    if (target.hasPort() && !catalogueOnly) {
+        session = std::make_unique<Session>(output, target);
+        session->bringUp();
+        values = session->values();
+    }
+    output.heading(listLine("id", "name", "accepts", "factory", "kind", "value", "condition"));
+    const Parameters parameters(target.moduleId);
+    for (const ParameterInfo& parameter : parameters.all()) {
+        const auto held = values.find(parameter.id);
+        recordParameter(output, parameter, held != values.end() ? std::optional(held->second) : std::nullopt);
+    }
+    return Done;
+}
+
+void showParameters(Output& output, Session& session, const std::vector<std::string>& names) {
+    if (names.empty()) {
+        for (const auto& [id, value] : session.values())
+            recordValue(output, *session.parameters().findId(id), value);
+        return;
+    }
+    std::vector<const ParameterInfo*> wanted;
+    for (const std::string& name : names)
+        wanted.push_back(&session.parameters().find(name));
+    for (const ParameterInfo* const parameter : wanted)
+        recordValue(output, *parameter, session.readValue(*parameter));
+}
+
+int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments) {
+    int code = Done;
+    for (const auto& [id, value] : session.parameters().parseAssignments(assignments)) {
+        const ParameterInfo& parameter = *session.parameters().findId(id);
+        try {
+            session.set(parameter, value);
+            recordSetting(output, parameter, value, "applied");
+        } catch (const Failure& failure) {
+            recordSetting(output, parameter, value, resultText(failure.code()));
+            output.report(failure);
+            code = code == Done ? failure.code() : code;
+        }
+    }
+    return code;
+}
+
+void flushParameters(Output& output, Session& session) {
+    const std::string path = session.flush();
+    Json object;
+    object["flushed"] = path;
+    output.record("flushed " + path, object);
+}
+
+void resetParameters(Output& output, Session& session, bool toLast) {
+    const std::map<int, int> before = session.values();
+    toLast ? session.resetToLast() : session.reset();
+    for (const auto& [id, value] : session.values()) {
+        const auto old = before.find(id);
+        if (old == before.end() || old->second != value)
+            recordSetting(output, *session.parameters().findId(id), value, "reset");
+    }
+}
+
+int getParameters(Output& output, const TargetOptions& target, const std::vector<std::string>& names) {
+    target.check(true);
+    const Parameters parameters(target.moduleId);
+    for (const std::string& name : names)
+        parameters.find(name);
+    Session session(output, target);
+    session.bringUp();
+    showParameters(output, session, names);
+    return Done;
+}
+
+int setParameters(Output& output, const TargetOptions& target, const std::vector<std::string>& assignments,
+                  bool flush) {
+    target.check(true);
+    // A mistake in the last word must not cost a bring-up, nor leave the first one applied.
+    Parameters(target.moduleId).parseAssignments(assignments);
+    Session session(output, target);
+    session.bringUp();
+    const int code = applyParameters(output, session, assignments);
+    if (flush)
+        flushParameters(output, session);
+    return code;
+}
+
+int resetParameters(Output& output, const TargetOptions& target, bool toLast) {
+    target.check(true);
+    Session session(output, target);
+    session.bringUp();
+    resetParameters(output, session, toLast);
+    return Done;
+}
+
+} // namespace sensorctl

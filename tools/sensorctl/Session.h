@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Failure.h"
+#include "LogTail.h"
+#include "Parameters.h"
+#include "StateFolder.h"
+#include "TargetOptions.h"
+#include "WireTrace.h"
+#include "controller/SensorControllerManager.h"
+#include "simulator/PtyServer.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sensorctl {
+
+class Output;
+class PortGuard;
+class Progress;
+
+/// A module and all that stands around it: the folder of the library's files, the port, a simulated block if there is
+/// one, the manager. Destruction takes it down.
+class Session {
+public:
+    /// Prepares everything; brings nothing up. Throws Failure.
+    Session(Output& output, const TargetOptions& options);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Hears every line of the wire. Before bringUp.
+    void addListener(WireTrace::Listener listener) { m_Trace.addListener(std::move(listener)); }
+    /// Blocks for seconds, shows progress and says what was restored. Throws Failure.
+    void bringUp();
+
+    const Parameters& parameters() const { return m_Parameters; }
+    const TargetOptions& options() const { return m_Options; }
+    WireTrace& trace() { return m_Trace; }
+    /// Null on a real port.
+    camerasim::PtyServer* block() { return m_pBlock.get(); }
+
+    /// What the module holds; nothing for ids that are not remembered.
+    std::optional<int> value(int id);
+    std::map<int, int> values();
+    /// The same, but a missing value is a Failure.
+    int readValue(const sensorcontrol::ParameterInfo& parameter);
+    /// Day/night as the module or the board reports it: 1 day, 0 night. Throws Failure.
+    int dayNightStatus();
+
+    void set(const sensorcontrol::ParameterInfo& parameter, int value);
+    /// Gives the path of the file that was written.
+    std::string flush();
+    void reset();
+    void resetToLast();
+
+private:
+    void startBlock();
+    void checkBringUp(const std::string& device, const std::vector<std::string>& errors);
+    /// Runs an operation of the library; throws what the log and the wire say of it if it gives 0.
+    void perform(const std::string& what, const std::function<int()>& operation, ExitCode unsentCode,
+                 const std::string& hint);
+    Failure explain(const std::string& what, std::size_t mark, ExitCode unsentCode, const std::string& hint);
+    ISensorController& controller() { return *m_Manager.getSensorController(); }
+
+    Output& m_Output;
+    const TargetOptions m_Options;
+    const Parameters m_Parameters;
+    StateFolder m_Folder;
+    LogTail m_ErrorLog;
+    LogTail m_InitLog;
+    std::unique_ptr<camerasim::PtyServer> m_pBlock;
+    std::unique_ptr<Progress> m_pProgress;
+    WireTrace m_Trace;
+    SafePointer<IUARTController> m_pPort;
+    PortGuard* m_pGuard = nullptr;
+    SensorControllerManager m_Manager;
+};
+
+} // namespace sensorctl

@@ -1,0 +1,80 @@
+#include "StateFolder.h"
+
+#include "Failure.h"
+#include "host/XmlConfigureTool.h"
+#include "host/linux/HostSettings.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace sensorctl {
+
+namespace {
+
+constexpr const char* Folders[] = {"/mnt/mtd/code/config_file", "/mnt/mtd/log", "/hd1/moduleConfig"};
+constexpr const char* SchemeCountFile = "/hd1/moduleConfig/sensorAbility.xml";
+
+bool createSchemeCountFile() {
+    XmlConfigureTool tool;
+    if (!tool.open(SchemeCountFile, 1, XmlConfigureTool::Create))
+        return false;
+    tool.setRootNodeName("sensorAbility");
+    XmlConfigureNode node("paramScheme");
+    XmlConfigureItem item;
+    item.setProperty("name", "SchemeNum");
+    item.setProperty("value", 1);
+    node.addItem(item);
+    tool.addConfigNode(node);
+    return tool.close() != 0;
+}
+
+} // namespace
+
+StateFolder::StateFolder(const std::string& folder) : m_strFolder(folder) {
+    try {
+        prepare();
+        lock();
+    } catch (...) {
+        if (m_nLock >= 0)
+            ::close(m_nLock);
+        throw;
+    }
+    sensorhost::setRootFolder(m_strFolder);
+    if (!std::filesystem::exists(pathOf(SchemeCountFile)) && !createSchemeCountFile())
+        throw Failure(Trouble, pathOf(SchemeCountFile) + " cannot be written");
+}
+
+StateFolder::~StateFolder() { ::close(m_nLock); }
+
+std::string StateFolder::pathOf(const char* devicePath) const { return sensorhost::hostPath(devicePath); }
+
+void StateFolder::prepare() {
+    for (const char* const name : Folders) {
+        const std::string folder = m_strFolder + name;
+        std::error_code error;
+        std::filesystem::create_directories(folder, error);
+        if (!error && ::access(folder.c_str(), R_OK | W_OK | X_OK) != 0)
+            error = std::error_code(errno, std::generic_category());
+        if (error)
+            throw Failure(Trouble, "the library's files cannot live in " + folder + ": " + error.message(),
+                          {"try: --root with a folder that you may write"});
+    }
+}
+
+void StateFolder::lock() {
+    const std::string file = m_strFolder + "/lock";
+    m_nLock = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (m_nLock < 0)
+        throw Failure(Trouble, file + ": " + std::strerror(errno), {"try: --root with a folder that you may write"});
+    // Two controllers on the same files would overwrite each other's.
+    if (::flock(m_nLock, LOCK_EX | LOCK_NB) != 0)
+        throw Failure(Trouble, "another sensorctl uses " + m_strFolder,
+                      {"try: end it, or --root with a folder of its own"});
+}
+
+} // namespace sensorctl

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace sensorctl {
+
+/// The folder under which the library's files live, for as long as this process uses it. Makes what the library expects
+/// to find: its folders, and a file that says there is one scheme. Throws Failure with Trouble where that fails.
+class StateFolder {
+public:
+    explicit StateFolder(const std::string& folder);
+    ~StateFolder();
+    StateFolder(const StateFolder&) = delete;
+    StateFolder& operator=(const StateFolder&) = delete;
+
+    /// Where a file of the device lies.
+    std::string pathOf(const char* devicePath) const;
+
+private:
+    void prepare();
+    void lock();
+
+    const std::string m_strFolder;
+    int m_nLock = -1;
+};
+
+} // namespace sensorctl

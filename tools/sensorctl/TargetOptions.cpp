@@ -1,0 +1,205 @@
+#include "TargetOptions.h"
+
+#include "Failure.h"
+#include "controller/ModelCatalogue.h"
+#include "simulator/BlockRegistry.h"
+#include "simulator/FaultPlan.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+
+namespace sensorctl {
+
+namespace {
+
+constexpr int DefaultBaud = 9600;
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    for (;;) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        parts.emplace_back(text.substr(0, end));
+        if (end == text.size())
+            return parts;
+        text.remove_prefix(end + 1);
+    }
+}
+
+/// Exactly so many whole numbers of at least `lowest`.
+std::vector<int> numbers(std::string_view text, char separator, std::size_t count, int lowest) {
+    std::vector<int> values;
+    for (const std::string& part : split(text, separator)) {
+        int value = 0;
+        const auto result = std::from_chars(part.data(), part.data() + part.size(), value);
+        if (result.ec != std::errc() || result.ptr != part.data() + part.size() || value < lowest)
+            return {};
+        values.push_back(value);
+    }
+    return values.size() == count ? values : std::vector<int>{};
+}
+
+const camerasim::BlockEntry* findBlock(int moduleId) {
+    const auto entries = camerasim::blockEntries();
+    const auto found = std::find_if(entries.begin(), entries.end(), [moduleId](const camerasim::BlockEntry& entry) {
+        return entry.moduleId == moduleId;
+    });
+    return found != entries.end() ? &*found : nullptr;
+}
+
+std::string trimmed(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+} // namespace
+
+void checkModule(int moduleId) {
+    if (sensorcontrol::describeModel(moduleId))
+        return;
+    std::string known;
+    for (const int id : sensorcontrol::listModuleIds())
+        known += (known.empty() ? "" : ", ") + std::to_string(id);
+    throw Failure(Usage, "--module " + std::to_string(moduleId) + ": there is no such module",
+                  {"there are: " + known, "try: sensorctl modules"});
+}
+
+void checkSimulated(int moduleId) {
+    if (findBlock(moduleId) != nullptr)
+        return;
+    std::string known;
+    for (const camerasim::BlockEntry& entry : camerasim::blockEntries())
+        known += (known.empty() ? "" : ", ") + std::to_string(entry.moduleId);
+    throw Failure(Usage, "there is no simulated block of module " + std::to_string(moduleId),
+                  {"there are: " + known, "try: --port with a real one"});
+}
+
+void checkFaults(const std::string& plan) {
+    std::string error;
+    if (!camerasim::FaultPlan().add(plan, error))
+        throw Failure(Usage, error, {"try: sensorctl simulate --help"});
+}
+
+void TargetOptions::declare(CLI::App& command) {
+    const std::string target = "Target";
+    command.add_option("-m,--module", moduleId, "module id, see \"sensorctl modules\"")->group(target)->required();
+    auto* const portOption =
+        command.add_option("-p,--port", port, "serial port of the block, for example /dev/ttyUSB0");
+    portOption->group(target);
+    command.add_option("--line", line, "baud rate, data bits, stop bits, parity (0 none, 1 odd, 2 even)")
+        ->group(target)
+        ->type_name("B,D,S,P");
+    command.add_flag("-s,--simulated", simulated, "a simulated block of the module, on a pseudo-terminal")
+        ->group(target)
+        ->excludes(portOption);
+    command.add_option("--detail", detail, "further module keys, for example 'isInfrared=1;generation=4'")
+        ->group(target)
+        ->type_name("KEYS");
+    command.add_option("--video-system", videoSystem, "pal or ntsc")
+        ->group(target)
+        ->check(CLI::IsMember({"pal", "ntsc"}))
+        ->type_name("");
+    command.add_option("--resolution", resolution, "video resolution, 1920x1080 by default")
+        ->group(target)
+        ->type_name("WxH");
+    command.add_option("--root", root, "folder of the library's files, by default one per module in the user's state")
+        ->group(target)
+        ->type_name("DIR");
+    command.add_option("--gpio", gpio, "chip: the machine's pins; memory: none (the default with --simulated)")
+        ->group(target)
+        ->check(CLI::IsMember({"chip", "memory"}))
+        ->type_name("");
+    command.add_option("--trace", trace, "write what goes over the wire to a file, or - for standard error")
+        ->group(target)
+        ->type_name("FILE");
+    command.add_option("--fault", faults, "fault plan of the simulated block, see \"sensorctl simulate --help\"")
+        ->group(target)
+        ->type_name("PLAN");
+    command.add_option("--baud-pace", baudPace, "let the simulated line take its time, 0 (the default) for none")
+        ->group(target)
+        ->type_name("BAUD")
+        ->check(CLI::Range(0, 4000000));
+    command
+        .add_flag("--simulated-restart", simulatedRestart,
+                  "the simulated block starts in the other video system, so that it must restart (20 s)")
+        ->group(target);
+}
+
+void TargetOptions::check(bool needsPort) const {
+    checkModule(moduleId);
+    if (needsPort && !hasPort())
+        throw Failure(Usage, "a port is missing", {"try: --port /dev/ttyUSB0, or --simulated"});
+    if (simulated)
+        checkSimulated(moduleId);
+    if (!simulated && (!faults.empty() || simulatedRestart || baudPace != 0))
+        throw Failure(Usage, "--fault, --baud-pace and --simulated-restart need --simulated");
+    for (const std::string& plan : faults)
+        checkFaults(plan);
+    if (port.find(';') != std::string::npos)
+        throw Failure(Usage, "--port " + port + ": a device name with ; cannot be told to the library");
+    if (!line.empty() && numbers(line, ',', 4, 0).empty())
+        throw Failure(Usage, "--line " + line + " is not baud,data bits,stop bits,parity", {"try: --line 9600,8,1,0"});
+    if (numbers(resolution, 'x', 2, 1).empty())
+        throw Failure(Usage, "--resolution " + resolution + " is not WxH", {"try: --resolution 1920x1080"});
+    detailKeys();
+}
+
+VideoResolution TargetOptions::videoResolution() const {
+    const std::vector<int> size = numbers(resolution, 'x', 2, 1);
+    return {size[0], size[1]};
+}
+
+std::string TargetOptions::lineText() const {
+    if (!line.empty())
+        return line;
+    const camerasim::BlockEntry* const block = findBlock(moduleId);
+    return std::to_string(block != nullptr ? block->baud : DefaultBaud) + ",8,1,0";
+}
+
+std::map<std::string, std::string> TargetOptions::detailKeys() const {
+    std::map<std::string, std::string> keys = {{"isInfrared", "0"}, {"generation", "3"}};
+    if (trimmed(detail).empty())
+        return keys;
+    for (const std::string& pair : split(detail, ';')) {
+        const std::size_t equals = pair.find('=');
+        const std::string key = trimmed(pair.substr(0, equals));
+        if (trimmed(pair).empty())
+            continue;
+        if (equals == std::string::npos || key.empty())
+            throw Failure(Usage, "--detail: \"" + pair + "\" is no key=value",
+                          {"try: --detail 'isInfrared=1;generation=4'"});
+        keys[key] = pair.substr(equals + 1);
+    }
+    return keys;
+}
+
+std::string TargetOptions::detailText(const std::string& device) const {
+    std::string text = "RS485=" + device;
+    for (const auto& [key, value] : detailKeys())
+        if (key != "RS485")
+            text += ';' + key + '=' + value;
+    return text;
+}
+
+std::string TargetOptions::parametersText() const { return "RS485=" + lineText(); }
+
+std::string TargetOptions::rootFolder() const {
+    if (!root.empty())
+        return std::filesystem::absolute(root).lexically_normal().string();
+    const char* const state = std::getenv("XDG_STATE_HOME");
+    const char* const home = std::getenv("HOME");
+    std::filesystem::path folder;
+    if (state != nullptr && *state == '/')
+        folder = state;
+    else if (home != nullptr && *home == '/')
+        folder = std::filesystem::path(home) / ".local/state";
+    else
+        throw Failure(Usage, "there is no home folder to keep the library's files in", {"try: --root DIR"});
+    // What a simulated block was told must not reach a real one at its next start.
+    return (folder / "sensorctl" / ((simulated ? "simulated-" : "module-") + std::to_string(moduleId))).string();
+}
+
+} // namespace sensorctl

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "host/VideoResolution.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace sensorctl {
+
+/// What is to be brought up, as the command line has it, and checked.
+struct TargetOptions {
+    int moduleId = -1;
+    std::string port;
+    std::string line;
+    bool simulated = false;
+    bool simulatedRestart = false;
+    int baudPace = 0;
+    std::string detail;
+    std::string videoSystem = "pal";
+    std::string resolution = "1920x1080";
+    std::string root;
+    std::string gpio;
+    std::vector<std::string> faults;
+    std::string trace;
+
+    /// Declares the options. With optionalPort a module alone is enough.
+    void declare(CLI::App& command);
+    bool hasPort() const { return simulated || !port.empty(); }
+
+    /// Throws Failure with Usage for anything that cannot be meant. needsPort: a port or a simulated block is a must.
+    void check(bool needsPort) const;
+
+    int videoSystemNumber() const { return videoSystem == "pal" ? 1 : 0; }
+    VideoResolution videoResolution() const;
+    std::string lineText() const;
+    /// The two texts of the module, for the device that was found.
+    std::string detailText(const std::string& device) const;
+    std::string parametersText() const;
+    bool usesGpioChip() const { return gpio == "chip" || (gpio.empty() && !simulated); }
+    /// Folder under which the library's files live.
+    std::string rootFolder() const;
+
+private:
+    std::map<std::string, std::string> detailKeys() const;
+};
+
+/// Throws Failure with Usage if there is no such module; says which there are.
+void checkModule(int moduleId);
+/// The same for the simulated blocks.
+void checkSimulated(int moduleId);
+/// The same for the text of a fault plan.
+void checkFaults(const std::string& plan);
+
+} // namespace sensorctl
