@@ -40,9 +40,7 @@ bool isOneOf(int value, std::initializer_list<int> values) {
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-void closeFilter() {
-    DRV_SetKTNFWorkMode(0);
-}
+void closeFilter() { DRV_SetKTNFWorkMode(0); }
 
 void openFilter() {
     DRV_SetKTNFWorkMode(1);
@@ -59,13 +57,9 @@ std::unique_ptr<EE, ISensorController::TuningDeleter> ISensorController::createE
     return std::unique_ptr<EE, TuningDeleter>(new EE);
 }
 
-void ISensorController::TuningDeleter::operator()(ISPParam* param) const {
-    delete param;
-}
+void ISensorController::TuningDeleter::operator()(ISPParam* param) const { delete param; }
 
-void ISensorController::TuningDeleter::operator()(EE* edgeEnhancement) const {
-    delete edgeEnhancement;
-}
+void ISensorController::TuningDeleter::operator()(EE* edgeEnhancement) const { delete edgeEnhancement; }
 
 int ISensorController::ISPParamThreadInit() {
     ISPParamParse parser;
