@@ -1,0 +1,90 @@
+#include "Workbench.h"
+
+#include "controller/SenseControllerFactory.h"
+#include "host/ModuleConfigure.h"
+#include "host/VideoResolution.h"
+#include "host/linux/HostSettings.h"
+#include "host/linux/MemoryGpio.h"
+#include "host/linux/SerialPort.h"
+#include "simulator/BlockRegistry.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace {
+
+/// The benchmark's figures keep the real standard output; the library's console is turned away.
+class Quiet {
+public:
+    Quiet() : m_nKept(dup(STDOUT_FILENO)) {
+        std::fflush(stdout);
+        if (std::freopen("/dev/null", "w", stdout) == nullptr)
+            std::abort();
+    }
+    ~Quiet() {
+        std::fflush(stdout);
+        dup2(m_nKept, STDOUT_FILENO);
+        close(m_nKept);
+    }
+
+private:
+    int m_nKept;
+};
+
+} // namespace
+
+Workbench::Workbench() : m_pClock(std::make_shared<sensorhost::SimulatedClock>()) {
+    std::string folder = std::filesystem::temp_directory_path() / "sensorcontrol-bench-XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr)
+        std::abort();
+    m_strRoot = folder;
+    m_strLink = m_strRoot + "/port";
+    std::filesystem::create_directories(m_strRoot + "/hd1/moduleConfig");
+    std::ofstream(m_strRoot + "/hd1/moduleConfig/sensorAbility.xml")
+        << "<ability><paramScheme><item value=\"1\"/></paramScheme></ability>";
+    sensorhost::setRootFolder(m_strRoot);
+    sensorhost::installClock(m_pClock);
+
+    camerasim::BlockSettings settings;
+    settings.bootTime = 0;
+    m_pServer = std::make_unique<camerasim::PtyServer>(
+        camerasim::makeBlock(16, settings), camerasim::PtyServer::Settings{.baud = 0, .linkPath = m_strLink});
+    std::string error;
+    if (!m_pServer->start(error)) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        std::abort();
+    }
+    Quiet quiet;
+    m_pController = start();
+}
+
+Workbench::~Workbench() {
+    m_pController = SafePointer<ISensorController>();
+    sensorhost::installClock(nullptr);
+    m_pServer.reset();
+    std::filesystem::remove_all(m_strRoot);
+}
+
+SafePointer<ISensorController> Workbench::start() {
+    SafePointer<ISensorController> controller = SenseControllerFactory::create(16);
+    controller->setOperator(SafePointer<IUARTController>(new sensorhost::SerialPort),
+                            SafePointer<IGPIO>(new sensorhost::MemoryGpio));
+    const ModuleConfigure configure(16, "RS485=" + m_strLink + ";isInfrared=0;generation=3", "RS485=9600,8,1,0");
+    if (!controller->init(1, configure, VideoResolution(1920, 1080)))
+        std::abort();
+    return controller;
+}
+
+void Workbench::bringUpOnce() {
+    Quiet quiet;
+    start();
+}
+
+Workbench& workbench() {
+    static Workbench bench;
+    return bench;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "controller/ISensorController.h"
+#include "host/SafePointer.h"
+#include "host/linux/SimulatedClock.h"
+#include "simulator/PtyServer.h"
+
+#include <memory>
+#include <string>
+
+/// A CMD8100 controller, up, on a simulated block behind a real pseudo-terminal without line speed. The library's own
+/// waits pass on a simulated clock. The library's console goes to /dev/null.
+class Workbench {
+public:
+    Workbench();
+    ~Workbench();
+    Workbench(const Workbench&) = delete;
+    Workbench& operator=(const Workbench&) = delete;
+
+    ISensorController& controller() { return *m_pController; }
+    const std::string& portPath() const { return m_strLink; }
+
+    /// Brings a further controller up on the same files and destroys it.
+    void bringUpOnce();
+
+private:
+    SafePointer<ISensorController> start();
+
+    std::string m_strRoot;
+    std::string m_strLink;
+    std::shared_ptr<sensorhost::SimulatedClock> m_pClock;
+    std::unique_ptr<camerasim::PtyServer> m_pServer;
+    SafePointer<ISensorController> m_pController;
+};
+
+/// The one of this process.
+Workbench& workbench();

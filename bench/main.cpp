@@ -1,0 +1,200 @@
+// Figures with Google Benchmark's own flags, or with --check the limits that the library promises, as ratios against a
+// floor measured in the same run. Exit code 1 if one is not kept.
+
+#include "Measure.h"
+#include "Workbench.h"
+#include "host/ParameterMap.h"
+#include "host/SensorParameterParser.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char brightnessFrame[] = {'\x81', 0x01, 0x04, 0x4e, 0, 0, 0, 7, '\xff'};
+
+/// The floor: the same frames over the same port with nothing around the system calls.
+class BareLoop {
+public:
+    explicit BareLoop(const std::string& path) : m_nPort(open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        termios line{};
+        tcgetattr(m_nPort, &line);
+        cfmakeraw(&line);
+        line.c_cc[VMIN] = 0;
+        line.c_cc[VTIME] = 0;
+        tcsetattr(m_nPort, TCSANOW, &line);
+    }
+    ~BareLoop() { close(m_nPort); }
+    BareLoop(const BareLoop&) = delete;
+    BareLoop& operator=(const BareLoop&) = delete;
+
+    bool exchange() const {
+        if (write(m_nPort, brightnessFrame, sizeof brightnessFrame) != sizeof brightnessFrame)
+            return false;
+        char reply[3];
+        std::size_t received = 0;
+        while (received < sizeof reply) {
+            pollfd waiting{m_nPort, POLLIN, 0};
+            if (poll(&waiting, 1, 1000) != 1)
+                return false;
+            const ssize_t count = read(m_nPort, reply + received, sizeof reply - received);
+            if (count <= 0)
+                return false;
+            received += static_cast<std::size_t>(count);
+        }
+        return true;
+    }
+
+private:
+    int m_nPort;
+};
+
+std::string allValues() {
+    std::string text;
+    workbench().controller().getParameters("(0)(1)(2)(3)(4)(5)(6)(7)(9)(10)(11)(12)(13)(14)(15)(16)(17)(19)(20)(56)(57)"
+                                           "(58)(59)(60)(61)(62)(63)(500)(501)(502)(503)(504)",
+                                           text);
+    return text;
+}
+
+int sumWithFromChars(const std::string& text) {
+    int sum = 0;
+    for (const char *at = text.data(), *end = at + text.size(); at != end;) {
+        int id = 0;
+        int value = 0;
+        at = std::from_chars(at + 1, end, id).ptr;
+        at = std::from_chars(at + 1, end, value).ptr + 1;
+        sum += id + value;
+    }
+    return sum;
+}
+
+void exchangeOverPty(benchmark::State& state) {
+    for (auto unused : state)
+        if (!workbench().controller().setParameterValue(brightnessFrame, sizeof brightnessFrame))
+            state.SkipWithError("no answer");
+}
+BENCHMARK(exchangeOverPty)->UseRealTime();
+
+void bareExchangeOverPty(benchmark::State& state) {
+    const BareLoop loop(workbench().portPath());
+    for (auto unused : state)
+        if (!loop.exchange())
+            state.SkipWithError("no answer");
+}
+BENCHMARK(bareExchangeOverPty)->UseRealTime();
+
+void unchangedParameterString(benchmark::State& state) {
+    const std::string text = allValues();
+    for (auto unused : state)
+        benchmark::DoNotOptimize(workbench().controller().setParameters(text));
+}
+BENCHMARK(unchangedParameterString);
+
+void parseParameterString(benchmark::State& state) {
+    const std::string text = allValues();
+    sensorhost::ParameterMap values;
+    for (auto unused : state) {
+        values.clear();
+        benchmark::DoNotOptimize(SensorParameterParser::parseSensorParameter(text, values));
+    }
+}
+BENCHMARK(parseParameterString);
+
+void fromCharsOverParameterString(benchmark::State& state) {
+    const std::string text = allValues();
+    for (auto unused : state)
+        benchmark::DoNotOptimize(sumWithFromChars(text));
+}
+BENCHMARK(fromCharsOverParameterString);
+
+/// Everything but the waits, which pass on the simulated clock; includes the destruction.
+void bringUpBeyondItsWaits(benchmark::State& state) {
+    workbench();
+    for (auto unused : state)
+        workbench().bringUpOnce();
+}
+BENCHMARK(bringUpBeyondItsWaits)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+bool report(const char* what, double figure, double limit) {
+    const bool isKept = figure <= limit;
+    std::printf("%-4s %-58s %8.3f  limit %g\n", isKept ? "ok" : "OVER", what, figure, limit);
+    return isKept;
+}
+
+template <class Work>
+double allocationsPer(int count, Work work) {
+    work(); // warm up
+    const std::size_t before = allocationCount();
+    for (int i = 0; i < count; ++i)
+        work();
+    return static_cast<double>(allocationCount() - before) / count;
+}
+
+bool checkLimits() {
+    ISensorController& controller = workbench().controller();
+    const std::string text = allValues();
+    sensorhost::ParameterMap values;
+    std::string result;
+    int value = 0;
+    bool isKept = true;
+    {
+        constexpr int Exchanges = 2000;
+        const BareLoop loop(workbench().portPath());
+        bool isAnswered = true;
+        const double ratio = medianRatio(
+            [&] {
+                for (int i = 0; i < Exchanges; ++i)
+                    isAnswered &= controller.setParameterValue(brightnessFrame, sizeof brightnessFrame) == 1;
+            },
+            [&] {
+                for (int i = 0; i < Exchanges; ++i)
+                    isAnswered &= loop.exchange();
+            });
+        isKept &= isAnswered && report("exchange over a pty / bare write and read loop", ratio, 1.15);
+    }
+    constexpr int Parses = 20000;
+    const double parsing = medianRatio(
+        [&] {
+            for (int i = 0; i < Parses; ++i) {
+                values.clear();
+                benchmark::DoNotOptimize(SensorParameterParser::parseSensorParameter(text, values));
+            }
+        },
+        [&] {
+            for (int i = 0; i < Parses; ++i)
+                benchmark::DoNotOptimize(sumWithFromChars(text));
+        });
+    isKept &= report("parsing a full parameter string / std::from_chars", parsing, 2.0);
+    isKept &= report("allocations per unchanged full parameter string",
+                     allocationsPer(100, [&] { controller.setParameters(text); }), 0);
+    isKept &=
+        report("allocations per exchange",
+               allocationsPer(100, [&] { controller.setParameterValue(brightnessFrame, sizeof brightnessFrame); }), 0);
+    isKept &= report("allocations per set of a changed value",
+                     allocationsPer(20, [&] { controller.setParameter(1, value = 100 - value); }), 0);
+    isKept &=
+        report("allocations per get of one value", allocationsPer(100, [&] { controller.getParameter(1, value); }), 0);
+    isKept &= report("allocations per get of several values",
+                     allocationsPer(100, [&] { controller.getParameters("(1)(2)(500)", result); }), 0);
+    return isKept;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--check") == 0)
+        return checkLimits() ? 0 : 1;
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
