@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -146,6 +147,7 @@ TEST(BRFile, aFullDiskLeavesTheOldText) {
 /// Replaces the text in a child that is killed at its n-th stop, where a stop is the start or the end of a system call.
 /// False if the child ended before.
 bool replaceAndKill(const std::string& text, int stops) {
+    std::fflush(nullptr); // what is buffered must not be written twice
     const pid_t child = ::fork();
     if (child == 0) {
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
@@ -167,6 +169,7 @@ bool replaceAndKill(const std::string& text, int stops) {
 }
 
 bool canTrace() {
+    std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child == 0)
         ::_exit(::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 ? 0 : 1);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -11,17 +12,37 @@ namespace {
 using sensorhost::ParameterMap;
 using sensorhost::ParameterValue;
 
-/// An id: decimal digits only, so that neither sign nor blank passes. Null if there is none or it does not fit.
+constexpr std::uint32_t LARGEST = std::numeric_limits<int>::max();
+
+/// Decimal digits up to the limit, which is LARGEST or one more. Null if there are none or more than that. The stores
+/// hold nothing but such numbers and are read on every switch, which is why this is not std::from_chars.
+const char* readDigits(const char* at, const char* end, std::uint32_t limit, std::uint32_t& number) {
+    const char* const start = at;
+    number = 0;
+    for (; at != end; ++at) {
+        const auto digit = static_cast<std::uint32_t>(static_cast<unsigned char>(*at)) - '0';
+        if (digit > 9)
+            break;
+        if (number > LARGEST / 10)
+            return nullptr;
+        number = number * 10 + digit;
+    }
+    return at != start && number <= limit ? at : nullptr;
+}
+
 const char* readId(const char* at, const char* end, int& id) {
-    if (at == end || *at == '-')
-        return nullptr;
-    const auto [next, error] = std::from_chars(at, end, id);
-    return error == std::errc() ? next : nullptr;
+    std::uint32_t number = 0;
+    at = readDigits(at, end, LARGEST, number);
+    id = static_cast<int>(number);
+    return at;
 }
 
 const char* readValue(const char* at, const char* end, int& value) {
-    const auto [next, error] = std::from_chars(at, end, value);
-    return error == std::errc() ? next : nullptr;
+    const bool negative = at != end && *at == '-';
+    std::uint32_t number = 0;
+    at = negative ? readDigits(at + 1, end, LARGEST + 1, number) : readDigits(at, end, LARGEST, number);
+    value = static_cast<int>(negative ? 0U - number : number);
+    return at;
 }
 
 const char* expect(const char* at, const char* end, char wanted) {
