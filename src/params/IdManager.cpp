@@ -18,8 +18,9 @@ void IdManager::addParameterId(int kind, int firstId, int lastId) {
     default:
         return;
     }
-    for (int id = firstId; id <= lastId; ++id)
-        ids->insert(ids->end(), id);
+    // Counts in a wider type: a range may end at the largest id.
+    for (long long id = firstId; id <= lastId; ++id)
+        ids->insert(ids->end(), static_cast<int>(id));
 }
 
 void IdManager::addParameterId(int kind, int id) { addParameterId(kind, id, id); }
