@@ -27,10 +27,12 @@ int ISensorController::DNChangeThreadBody() {
 
 int ISensorController::DNSwitchHandle() {
     ScopedLock lock(m_DNMutex);
+    // A model's own setDayNightMode takes no lock: a mode that comes during the pass must not count as completed by it.
+    const int mode = m_nDayNightMode;
     int status = -1;
     if (DNSwitchJudge(status)) {
         set2AParam(status);
-        if (m_nDayNightMode == LeftToModule) {
+        if (mode == LeftToModule) {
             m_nLastDayNightMode = LeftToModule;
             m_nDNState = status;
             return 1;
@@ -50,7 +52,7 @@ int ISensorController::DNSwitchHandle() {
             return 0;
         }
     }
-    m_nLastDayNightMode = m_nDayNightMode.load();
+    m_nLastDayNightMode = mode;
     return 1;
 }
 
