@@ -158,11 +158,14 @@ int ISensorController::checkSensorConfigVersion() {
 
 int ISensorController::initConfigFile() {
     if (BRFile::isExist(paths::SchemeChoiceFile)) {
-        int choice = 0;
-        if (getParamSchemeFromFile(choice))
-            m_nParamScheme = choice;
-        if (getParamSchemeModeFromFile(choice))
-            m_nParamMode = choice;
+        int scheme = m_nParamScheme;
+        int mode = m_nParamMode;
+        const int hasScheme = getParamSchemeFromFile(scheme);
+        const int hasMode = getParamSchemeModeFromFile(mode);
+        if (!hasScheme || !hasMode)
+            InitPrintf("%s is unreadable or broken", paths::SchemeChoiceFile);
+        m_nParamScheme = scheme;
+        m_nParamMode = mode;
     } else {
         createSensorXML();
     }

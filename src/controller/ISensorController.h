@@ -359,4 +359,7 @@ private:
     void loadSchemes();
     static std::unique_ptr<ISPParam, TuningDeleter> createTuningTable();
     static std::unique_ptr<EE, TuningDeleter> createEdgeEnhancement();
+
+    /// A change reads and rewrites sensor.xml: the thread's scheme and the host's mode must not undo each other.
+    BRMutex m_SchemeChoiceMutex;
 };

@@ -11,7 +11,8 @@ using sensorhost::ScopedLock;
 int ISensorController::setParameters(const std::string& text) {
     ScopedLock lock(m_ParamMutex);
     m_pCurrentCache->clear();
-    m_pCurrentCache->setSensorValues(text);
+    if (!m_pCurrentCache->setSensorValues(text))
+        ErrorPrintf("setParameters: no parameter string: %s", text.c_str());
 
     int result = 1;
     int id = 0;
@@ -111,12 +112,14 @@ int ISensorController::getAllParameters(std::string& result) {
         ErrorPrintf("UpdateParameters() failed");
         return 0;
     }
-    m_pLastCache->clear();
-    if (!m_pLastCache->setSensorValues(text)) {
-        ErrorPrintf("setSensorValues failed");
-        return 0;
-    }
+    // An unchanged text is in the cache already. To load it all the same would leave the cache empty for a moment, in
+    // which another thread's flush fails.
     if (text != before) {
+        m_pLastCache->clear();
+        if (!m_pLastCache->setSensorValues(text)) {
+            ErrorPrintf("setSensorValues failed");
+            return 0;
+        }
         std::puts("save sensor parameter");
         flush();
     }
@@ -152,8 +155,10 @@ int ISensorController::flush() {
         return 0;
     }
 
-    if (!m_pFactoryConfigFile->modifyParameters(especial))
+    if (!m_pFactoryConfigFile->modifyParameters(especial)) {
+        ErrorPrintf("flush failed: %s", m_pFactoryConfigFile->getFilePath().c_str());
         return 0;
+    }
     const int scheme = m_nParamScheme;
     std::printf("save param %d\n", scheme + 1);
     SensorConfigFile* file = schemeFile(scheme);
@@ -161,9 +166,11 @@ int ISensorController::flush() {
         ErrorPrintf("flush failed: no parameter scheme %d", scheme);
         return 0;
     }
-    if (!file->saveParametersToFile(common + especial))
+    if (!file->saveParametersToFile(common + especial) || !m_pEspecialConfigFile->saveParametersToFile(especial)) {
+        ErrorPrintf("flush failed: the files of parameter scheme %d", scheme);
         return 0;
-    return m_pEspecialConfigFile->saveParametersToFile(especial);
+    }
+    return 1;
 }
 
 int ISensorController::loadCurrentCache(const std::string& text) {

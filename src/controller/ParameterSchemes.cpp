@@ -3,10 +3,13 @@
 #include "controller/DevicePaths.h"
 #include "controller/ISensorController.h"
 #include "host/BRFile.h"
+#include "host/ScopedLock.h"
 #include "host/XmlConfigureTool.h"
 
 #include <charconv>
 #include <cstdio>
+
+using sensorhost::ScopedLock;
 
 namespace {
 
@@ -156,6 +159,7 @@ int ISensorController::createSensorXML() {
 }
 
 int ISensorController::setValueToParamSchemeNode(const std::string& name, const std::string& value) {
+    ScopedLock lock(m_SchemeChoiceMutex);
     if (!BRFile::isExist(paths::SchemeChoiceFile))
         return 0;
     XmlConfigureTool tool;
@@ -172,6 +176,7 @@ int ISensorController::setValueToParamSchemeNode(const std::string& name, const 
 }
 
 int ISensorController::getValueFromParamSchemeNode(const std::string& name, std::string& value) {
+    ScopedLock lock(m_SchemeChoiceMutex);
     if (!BRFile::isExist(paths::SchemeChoiceFile))
         return 0;
     XmlConfigureTool tool;
@@ -240,10 +245,13 @@ int ISensorController::switchParam(int scheme) {
         ErrorPrintf("switchParam failed: no parameter scheme %d", scheme);
         return 0;
     }
-    reInitSchemeTimeMember();
+    // Read first: a file that can not be read leaves the span in force alone, which the next flush saves.
     std::string text;
-    if (!readParamByScheme(scheme, text))
+    if (!readParamByScheme(scheme, text)) {
+        ErrorPrintf("switchParam failed: parameter scheme %d can not be read", scheme);
         return 0;
+    }
+    reInitSchemeTimeMember();
     std::printf("switch param(p_Scheme=%d):\n %s\n", scheme, text.c_str());
     if (!setParameters(text)) {
         ErrorPrintf("setParameters @switchParam failed");
