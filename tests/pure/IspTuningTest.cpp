@@ -4,9 +4,8 @@
 #include "host/linux/SimulatedClock.h"
 #include "imaging/ISPParamParse.h"
 #include "support/BareController.h"
+#include "support/TempRoot.h"
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,7 +13,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 using sensorhost::ImagingStandIn;
 using testing::ElementsAre;
@@ -54,9 +52,6 @@ std::string type(const std::string& name, const std::string& units, bool enable 
 class IspTuning : public testing::Test {
 protected:
     IspTuning() {
-        char folder[] = "/tmp/isptuningXXXXXX";
-        m_Root = ::mkdtemp(folder);
-        sensorhost::setRootFolder(m_Root);
         sensorhost::installClock(std::make_shared<sensorhost::SimulatedClock>());
         makeController(0);
     }
@@ -64,8 +59,6 @@ protected:
     ~IspTuning() override {
         endController();
         sensorhost::installClock(nullptr);
-        sensorhost::setRootFolder("");
-        std::filesystem::remove_all(m_Root);
     }
 
     /// Leaves the pipeline switched off and forgetful.
@@ -86,11 +79,7 @@ protected:
         m_Pipeline.setRecording(true);
     }
 
-    void writeFile(const std::string& text) {
-        const std::filesystem::path path = sensorhost::hostPath(ISPParamParse::FilePath);
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << text;
-    }
+    void writeFile(const std::string& text) { m_Root.write(ISPParamParse::FilePath, text); }
 
     /// Writes a tuning file and has the controller load it.
     void load(const std::string& types, const std::string& settings = "time=\"2\"") {
@@ -123,7 +112,7 @@ protected:
     }
 
     ImagingStandIn& m_Pipeline = ImagingStandIn::getInstance();
-    std::string m_Root;
+    TempRoot m_Root;
     std::unique_ptr<BareController> m_pController;
     double m_dPassTime = 0; ///< seconds that the last pass took
 };
@@ -183,7 +172,8 @@ TEST_F(IspTuning, AFailedGainReadingCannotMakeTheThreadSpin) {
 
 TEST_F(IspTuning, FilterValuesOfTheTableCanCloseTheFilter) {
     load(type("DN", unit("night", 0, 1, item("A0", -1) + item("TM", -1)) +
-                        unit("day", 1, 2, item("A0", 7) + item("TM", 8)) + unit("half", 2, 3, item("A0", -1))));
+                        unit("day", 1, 2, item("A0", 7) + item("TM", 8)) + unit("half", 2, 3, item("A0", -1)) +
+                        unit("rest", 3, 4, item("TM", 9))));
     m_pController->m_nDNState = 0;
     testing::internal::CaptureStdout();
     EXPECT_EQ(pass(), CloseFilter + CloseFilter);
@@ -194,6 +184,8 @@ TEST_F(IspTuning, FilterValuesOfTheTableCanCloseTheFilter) {
     EXPECT_EQ(pass(), CloseFilter + openFilter(7, 8)) << "the old TM still keeps the filter closed in the first step";
     m_pController->m_nDNState = 2;
     EXPECT_EQ(pass(), CloseFilter) << "each value is asked for on its own";
+    m_pController->m_nDNState = 3;
+    EXPECT_EQ(pass(), CloseFilter) << "and either keeps the filter closed";
 }
 
 TEST_F(IspTuning, ModesTakeTheFilterFromTheTableAndGiveItBack) {
@@ -320,7 +312,7 @@ TEST_F(IspTuning, BrokenFilesLeaveAnEmptyTable) {
         EXPECT_THAT(pass(), IsEmpty());
         EXPECT_DOUBLE_EQ(m_dPassTime, 2);
     }
-    std::filesystem::remove_all(m_Root + "/hd1");
+    m_Root.remove(ISPParamParse::FilePath);
     EXPECT_EQ(m_pController->ISPParamThreadInit(), 0);
 }
 
