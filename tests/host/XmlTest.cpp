@@ -235,9 +235,9 @@ TEST(Samples, theModuleListAndItsSelectors) {
         EXPECT_NE(ModuleConfigureParser::parse(file, product, board, modules), 0);
         return idsOf(modules);
     };
-    EXPECT_EQ(select("", ""), "16 21 5 ");
-    EXPECT_EQ(select("dome", ""), "16 21 ");
-    EXPECT_EQ(select("dome", "B2"), "21 ");
+    EXPECT_EQ(select("", ""), "16 2 5 ");
+    EXPECT_EQ(select("dome", ""), "16 2 ");
+    EXPECT_EQ(select("dome", "B2"), "2 ");
     EXPECT_EQ(select("bullet", "B2"), "5 ");
     EXPECT_EQ(select("", "A1"), "16 5 ");
     EXPECT_EQ(select("box", "A1"), "");

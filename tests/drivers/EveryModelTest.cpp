@@ -1,0 +1,103 @@
+// What holds for every model, driven from its own table against its own simulated block.
+
+#include "controller/ModelCatalogue.h"
+#include "controller/SenseControllerFactory.h"
+#include "host/SensorParameterParser.h"
+#include "support/Cmd8100Bench.h"
+
+#include <climits>
+#include <map>
+
+namespace {
+
+using namespace sensorcontrol;
+
+class EveryModel : public ::testing::TestWithParam<int> {
+protected:
+    EveryModel() : m_pClock(std::make_shared<sensorhost::SimulatedClock>()), m_pPort(new BlockPort(GetParam())) {
+        sensorhost::installClock(m_pClock);
+        m_Root.writeSchemeCount(1);
+        m_pController = SenseControllerFactory::create(GetParam());
+        m_pController->setOperator(m_pPort, SafePointer<IGPIO>(new sensorhost::MemoryGpio));
+        m_nInit = m_pController->init(
+            0, ModuleConfigure(GetParam(), "RS485=p;RS232=p;isInfrared=0;generation=3;GPIO=0,1,1", "RS485=9600,8,1,0"),
+            VideoResolution(1920, 1080));
+    }
+    ~EveryModel() override {
+        m_pController = SafePointer<ISensorController>();
+        sensorhost::installClock(nullptr);
+    }
+
+    TempRoot m_Root;
+    std::shared_ptr<sensorhost::SimulatedClock> m_pClock;
+    SafePointer<BlockPort> m_pPort;
+    SafePointer<ISensorController> m_pController;
+    int m_nInit = 0;
+};
+
+TEST_P(EveryModel, ComesUpReportsItsIdAndServesItsTable) {
+    ASSERT_EQ(m_nInit, 1);
+    EXPECT_EQ(m_pController->getSensorType(), GetParam());
+    const std::optional<ModelInfo> model = describeModel(GetParam());
+    ASSERT_TRUE(model);
+
+    std::string all;
+    ASSERT_EQ(m_pController->getAllParameters(all), 1);
+    std::map<int, int> values;
+    ASSERT_EQ(SensorParameterParser::parseSensorParameter(all, values), 1);
+    for (const ParameterInfo& parameter : model->parameters) {
+        SCOPED_TRACE(parameter.name);
+        int value = INT_MIN;
+        const int isRead = m_pController->getParameterFromSensor(parameter.id, value);
+        EXPECT_EQ(isRead == 1, parameter.factoryValue.has_value() || parameter.kind != IdManager::SetOnly);
+        if (parameter.factoryValue) {
+            EXPECT_EQ(value, *parameter.factoryValue);
+        }
+        // What can be saved has a value from the first start on.
+        EXPECT_EQ(values.contains(parameter.id),
+                  parameter.kind == IdManager::Common || parameter.kind == IdManager::KeepDefault);
+    }
+}
+
+TEST_P(EveryModel, TakesTheEndsOfEveryRangeAndNothingBeyond) {
+    ASSERT_EQ(m_nInit, 1);
+    const std::optional<ModelInfo> model = describeModel(GetParam());
+    for (const ParameterInfo& parameter : model->parameters) {
+        SCOPED_TRACE(parameter.name);
+        for (std::size_t i = 0; i < parameter.accepts.size(); ++i) {
+            const auto [low, high] = parameter.accepts[i];
+            EXPECT_EQ(m_pController->setParameterToSensor(parameter.id, low), 1) << low;
+            EXPECT_EQ(m_pController->setParameterToSensor(parameter.id, high), 1) << high;
+            const bool touchesNext = i + 1 < parameter.accepts.size() && parameter.accepts[i + 1].low == high + 1;
+            if (!touchesNext) {
+                EXPECT_EQ(m_pController->setParameterToSensor(parameter.id, high + 1), 0) << high + 1;
+            }
+        }
+        if (!parameter.accepts.empty()) {
+            EXPECT_EQ(m_pController->setParameterToSensor(parameter.id, parameter.accepts.front().low - 1), 0);
+            EXPECT_EQ(m_pController->setParameterToSensor(parameter.id, INT_MAX), 0);
+            EXPECT_EQ(m_pController->setParameterToSensor(parameter.id, INT_MIN), 0);
+        }
+    }
+}
+
+TEST_P(EveryModel, AnswersForIdsThatItDoesNotServe) {
+    const std::optional<ModelInfo> model = describeModel(GetParam());
+    std::map<int, bool> served;
+    for (const ParameterInfo& parameter : model->parameters)
+        served[parameter.id] = true;
+    m_pPort->takeSent();
+    for (int id = -1; id < 500; ++id) {
+        int value = 0;
+        if (!served.contains(id)) {
+            EXPECT_NE(m_pController->setParameterToSensor(id, 1), 1) << id;
+            EXPECT_EQ(m_pController->getParameterFromSensor(id, value), 0) << id;
+        }
+    }
+    EXPECT_TRUE(m_pPort->takeSent().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, EveryModel, ::testing::ValuesIn(listModuleIds()),
+                         [](const auto& model) { return "Module" + std::to_string(model.param); });
+
+} // namespace
