@@ -115,9 +115,14 @@ int ISensorController::init(int videoSystem, const ModuleConfigure& configure, c
 
     int scheme = 0;
     std::string text;
-    readCurrentParam(scheme, text);
+    // The span in the text belongs to the scheme that the clock selects. The choice itself stays as it was saved: the
+    // first pass of the thread corrects it, in automatic mode.
+    const int savedScheme = m_nParamScheme;
+    if (readCurrentParam(scheme, text))
+        m_nParamScheme = scheme;
     if (!setParameters(text))
         InitPrintf("setParameters failed");
+    m_nParamScheme = savedScheme;
     if (!NotifySensorInitComplate())
         InitPrintf("NotifySensorInitComplate failed");
     if (!m_DNChangeThread->start())
