@@ -19,12 +19,45 @@ int getParameters(Output& output, const TargetOptions& target, const std::vector
 int setParameters(Output& output, const TargetOptions& target, const std::vector<std::string>& assignments, bool flush);
 int resetParameters(Output& output, const TargetOptions& target, bool toLast);
 
+/// Keeps the module up and takes commands from standard input. A script ends at its first failure, whose code is the
+/// result; keepGoing: goes on to its end first.
+int runCommands(Output& output, const TargetOptions& target, bool keepGoing);
+
+struct DayNightOptions {
+    std::string mode;       ///< to set; empty: none
+    std::string ambient;    ///< "dark" or "light" at the simulated block; empty: as it is
+    double waitSeconds = 0; ///< for the state to change; 0: does not wait
+};
+int dayNight(Output& output, const TargetOptions& target, const DayNightOptions& options);
+/// A record per change until the user ends it or the time (0: none) is over.
+int watch(Output& output, const TargetOptions& target, double seconds);
+
+/// Shows what goes over the wire during a bring-up, then while some parameters are set, then for a time.
+int trace(Output& output, const TargetOptions& target, const std::vector<std::string>& assignments, double seconds);
+/// Without words from standard input.
+int decode(Output& output, int moduleId, const std::vector<std::string>& words);
+
+struct SimulateOptions {
+    int moduleId = -1;
+    std::string link;
+    int baud = -1; ///< negative: the model's own; 0: as fast as it can
+    std::vector<std::string> faults;
+    std::string stateFile;
+};
+/// A block on a pseudo-terminal, until standard input ends, a quit or a signal.
+int simulate(Output& output, const SimulateOptions& options);
+
 // The same on a module that is up, for scripts too.
 
 void showParameters(Output& output, Session& session, const std::vector<std::string>& names);
 /// Applies all of them, ascending by id, whatever becomes of one; the code of the first that failed.
 int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments);
+/// Through the one operation with which a host reads everything.
+void showAllParameters(Output& output, Session& session);
 void flushParameters(Output& output, Session& session);
 void resetParameters(Output& output, Session& session, bool toLast);
+/// auto, day, night, clock, module. Throws Failure.
+void setDayNight(Session& session, const std::string& mode);
+void showDayNight(Output& output, Session& session);
 
 } // namespace sensorctl

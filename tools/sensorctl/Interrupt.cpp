@@ -2,8 +2,11 @@
 
 #include "Failure.h"
 
+#include <algorithm>
 #include <atomic>
+#include <climits>
 #include <csignal>
+#include <cstdint>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -45,7 +48,7 @@ bool Interrupt::waitInput(int descriptor, std::chrono::milliseconds span) {
         if (isRequested() || rest < 0)
             return false;
         pollfd entries[2] = {{g_nEvent, POLLIN, 0}, {descriptor, POLLIN, 0}};
-        const int ready = ::poll(entries, 2, static_cast<int>(rest));
+        const int ready = ::poll(entries, 2, static_cast<int>(std::min<std::int64_t>(rest, INT_MAX)));
         if (ready > 0 && entries[1].revents != 0)
             return !isRequested();
         if (ready == 0 && std::chrono::steady_clock::now() >= end)

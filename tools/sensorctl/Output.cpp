@@ -11,13 +11,24 @@
 
 namespace sensorctl {
 
+namespace {
+
+std::FILE* copyOf(int descriptor) {
+    const int copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 3);
+    return copy >= 0 ? ::fdopen(copy, "w") : nullptr;
+}
+
+} // namespace
+
 Output::Output(bool json, int verbosity)
     : m_bJson(json), m_nVerbosity(verbosity), m_bTerminal(::isatty(STDOUT_FILENO) != 0),
       m_bStatus(::isatty(STDERR_FILENO) != 0) {
-    const int records = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
-    m_pRecords = records >= 0 ? ::fdopen(records, "w") : nullptr;
+    m_pRecords = copyOf(STDOUT_FILENO);
     if (m_pRecords == nullptr)
-        throw Failure(Trouble, std::string("standard output is closed: ") + std::strerror(errno));
+        throw Failure(Trouble, std::string("standard output: ") + std::strerror(errno));
+    m_pNotes = copyOf(STDERR_FILENO);
+    if (m_pNotes == nullptr)
+        m_pNotes = stderr;
     const int console = verbosity > 1 ? STDERR_FILENO : ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (console >= 0)
         ::dup2(console, STDOUT_FILENO);
@@ -30,13 +41,15 @@ Output::Output(bool json, int verbosity)
 Output::~Output() {
     status("");
     std::fclose(m_pRecords);
+    if (m_pNotes != stderr)
+        std::fclose(m_pNotes);
     if (m_pTrace != nullptr)
         std::fclose(m_pTrace);
 }
 
 void Output::clearStatus() {
     if (m_bStatusShown)
-        std::fputs("\r\033[K", stderr);
+        std::fputs("\r\033[K", m_pNotes);
     m_bStatusShown = false;
 }
 
@@ -54,7 +67,7 @@ void Output::traceLine(const std::string& line) {
     const std::lock_guard guard(m_Mutex);
     if (m_pTrace == nullptr)
         clearStatus();
-    std::FILE* const file = m_pTrace != nullptr ? m_pTrace : stderr;
+    std::FILE* const file = m_pTrace != nullptr ? m_pTrace : m_pNotes;
     std::fputs((line + '\n').c_str(), file);
     std::fflush(file);
 }
@@ -73,7 +86,8 @@ void Output::heading(const std::string& text) {
 void Output::note(const std::string& text) {
     const std::lock_guard guard(m_Mutex);
     clearStatus();
-    std::fputs((text + '\n').c_str(), stderr);
+    std::fputs((text + '\n').c_str(), m_pNotes);
+    std::fflush(m_pNotes);
 }
 
 void Output::report(const Failure& failure) {
@@ -88,9 +102,34 @@ void Output::status(const std::string& text) {
     clearStatus();
     if (text.empty() || !m_bStatus)
         return;
-    std::fputs(text.c_str(), stderr);
-    std::fflush(stderr);
+    std::fputs(text.c_str(), m_pNotes);
+    std::fflush(m_pNotes);
     m_bStatusShown = true;
+}
+
+void Output::prompt(const std::string& text) {
+    const std::lock_guard guard(m_Mutex);
+    clearStatus();
+    std::fputs(text.c_str(), m_pNotes);
+    std::fflush(m_pNotes);
+}
+
+Output::Hush::Hush(Output& output) {
+    if (output.showsConsole())
+        return;
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (nowhere < 0)
+        return;
+    m_nSaved = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    ::dup2(nowhere, STDERR_FILENO);
+    ::close(nowhere);
+}
+
+Output::Hush::~Hush() {
+    if (m_nSaved < 0)
+        return;
+    ::dup2(m_nSaved, STDERR_FILENO);
+    ::close(m_nSaved);
 }
 
 bool Output::isWritable() const {

@@ -23,6 +23,7 @@ public:
 
     bool isJson() const { return m_bJson; }
     bool isVerbose() const { return m_nVerbosity > 0; }
+    bool showsConsole() const { return m_nVerbosity > 1; }
     /// Records go to a terminal.
     bool isTerminal() const { return m_bTerminal; }
 
@@ -43,6 +44,21 @@ public:
     /// Standard error is a terminal, so that status is seen.
     bool hasStatus() const { return m_bStatus; }
 
+    /// What stands before a line that the user types.
+    void prompt(const std::string& text);
+
+    /// While it lives, what others write to standard error goes nowhere, unless the library's console is wanted.
+    class Hush {
+    public:
+        explicit Hush(Output& output);
+        ~Hush();
+        Hush(const Hush&) = delete;
+        Hush& operator=(const Hush&) = delete;
+
+    private:
+        int m_nSaved = -1;
+    };
+
     /// False after a record could not be written: a full disk, a reader that left.
     bool isWritable() const;
 
@@ -55,6 +71,7 @@ private:
     const bool m_bStatus;
     mutable std::mutex m_Mutex;
     std::FILE* m_pRecords;
+    std::FILE* m_pNotes;
     std::FILE* m_pTrace = nullptr;
     bool m_bStatusShown = false;
     bool m_bWritable = true;

@@ -148,6 +148,12 @@ void showParameters(Output& output, Session& session, const std::vector<std::str
         recordValue(output, *parameter, session.readValue(*parameter));
 }
 
+void showAllParameters(Output& output, Session& session) {
+    for (const auto& [id, value] : session.readAll())
+        if (const ParameterInfo* const parameter = session.parameters().findId(id))
+            recordValue(output, *parameter, value);
+}
+
 int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments) {
     int code = Done;
     for (const auto& [id, value] : session.parameters().parseAssignments(assignments)) {

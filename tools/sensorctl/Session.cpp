@@ -12,6 +12,7 @@
 #include "simulator/BlockRegistry.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 namespace sensorctl {
@@ -21,6 +22,8 @@ namespace {
 constexpr const char* ErrorLogFile = "/mnt/mtd/log/SensorError.log";
 constexpr const char* InitLogFile = "/mnt/mtd/log/SensorInit.log";
 constexpr const char* UpMark = "ISensorController::initSensor  success";
+constexpr const char* TuningFile = "/hd1/program/config/ISPParam.xml";
+constexpr const char* TuningFailure = "objISPParamParse.parse failed";
 constexpr std::size_t ShownLines = 6;
 
 /// What a log line adds to what the user has been told: not the framework's repetitions nor the bytes, which the trace
@@ -116,6 +119,8 @@ void Session::bringUp() {
     RestoreReport report;
     m_pProgress = std::make_unique<Progress>(m_Output, device);
     addListener([this](const TraceLine& line) { m_pProgress->onLine(line); });
+    // The shell lines of a first start complain of files that cannot be there yet.
+    const Output::Hush hush(m_Output);
     m_pGuard->arm();
     m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
                    ModuleConfigure(m_Options.moduleId, m_Options.detailText(device), m_Options.parametersText()));
@@ -151,8 +156,10 @@ void Session::checkBringUp(const std::string& device, const std::vector<std::str
         appendWire(m_Trace.linesSince(0, ShownLines), details);
         throw Failure(Trouble, what + "failed", details);
     }
+    // Only the on-chip pipeline has a tuning file; that there is none is no news.
+    const bool hasTuning = std::filesystem::exists(m_Folder.pathOf(TuningFile));
     for (const std::string& line : errors)
-        if (isReason(line) || line.starts_with("setParameter ("))
+        if ((isReason(line) || line.starts_with("setParameter (")) && (hasTuning || line != TuningFailure))
             m_Output.note("warning: " + line);
 }
 
@@ -170,6 +177,15 @@ std::map<int, int> Session::values() {
     for (const sensorcontrol::ParameterInfo& parameter : m_Parameters.all())
         if (const std::optional<int> held = value(parameter.id))
             result[parameter.id] = *held;
+    return result;
+}
+
+std::map<int, int> Session::readAll() {
+    std::string text;
+    perform(
+        "read all parameters", [&] { return controller().getAllParameters(text); }, Trouble, "try: get");
+    std::map<int, int> result;
+    parseParameterString(text, result);
     return result;
 }
 

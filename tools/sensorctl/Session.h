@@ -46,7 +46,9 @@ public:
     /// What the module holds; nothing for ids that are not remembered.
     std::optional<int> value(int id);
     std::map<int, int> values();
-    /// The same, but a missing value is a Failure.
+    /// The same by getAllParameters, which talks to the module first. Throws Failure.
+    std::map<int, int> readAll();
+    /// As value, but a missing value is a Failure.
     int readValue(const sensorcontrol::ParameterInfo& parameter);
     /// Day/night as the module or the board reports it: 1 day, 0 night. Throws Failure.
     int dayNightStatus();

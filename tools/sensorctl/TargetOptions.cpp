@@ -101,7 +101,7 @@ void TargetOptions::declare(CLI::App& command) {
     command.add_option("--video-system", videoSystem, "pal or ntsc")
         ->group(target)
         ->check(CLI::IsMember({"pal", "ntsc"}))
-        ->type_name("");
+        ->type_name("WORD");
     command.add_option("--resolution", resolution, "video resolution, 1920x1080 by default")
         ->group(target)
         ->type_name("WxH");
@@ -111,13 +111,14 @@ void TargetOptions::declare(CLI::App& command) {
     command.add_option("--gpio", gpio, "chip: the machine's pins; memory: none (the default with --simulated)")
         ->group(target)
         ->check(CLI::IsMember({"chip", "memory"}))
-        ->type_name("");
+        ->type_name("WORD");
     command.add_option("--trace", trace, "write what goes over the wire to a file, or - for standard error")
         ->group(target)
         ->type_name("FILE");
     command.add_option("--fault", faults, "fault plan of the simulated block, see \"sensorctl simulate --help\"")
         ->group(target)
-        ->type_name("PLAN");
+        ->type_name("PLAN")
+        ->allow_extra_args(false);
     command.add_option("--baud-pace", baudPace, "let the simulated line take its time, 0 (the default) for none")
         ->group(target)
         ->type_name("BAUD")

@@ -25,6 +25,17 @@ std::size_t headLength(Bytes bytes) {
 
 void append(std::string& text, const std::string& part) { text += (text.empty() ? "" : "; ") + part; }
 
+std::string errorText(std::uint8_t error) {
+    switch (error) {
+    case 0x02:
+        return "refused: the frame makes no sense";
+    case 0x41:
+        return "refused: not executable";
+    default:
+        return "refused: error " + hexText(Bytes(&error, 1));
+    }
+}
+
 } // namespace
 
 std::string ViscaDecoder::sent(Bytes bytes) {
@@ -55,30 +66,18 @@ std::string ViscaDecoder::reply(Bytes frame) const {
         return "echo: " + m_pBlock->describe(frame);
     if (frame[0] != ReplyHeader)
         return "stray bytes " + hexText(frame);
-    if (frame.back() != Terminator || frame.size() < 3)
+    const bool isWhole = frame.back() == Terminator;
+    const std::uint8_t kind = frame.size() > 1 ? frame[1] & 0xf0U : 0U;
+    // Drivers read three bytes of an answer to a command: of an error that is all but the end.
+    if (kind == 0x60 && frame.size() >= 3)
+        return errorText(frame[2]) + (isWhole ? "" : " (part of a reply)");
+    if (!isWhole || frame.size() < 3)
         return "part of a reply";
-    const std::uint8_t kind = frame[1];
-    if (frame.size() == 3) {
-        switch (kind & 0xf0U) {
-        case 0x40:
-            return "acknowledgement";
-        case 0x50:
-            return "completion";
-        default:
-            break;
-        }
-    }
-    if ((kind & 0xf0U) == 0x60 && frame.size() == 4) {
-        switch (frame[2]) {
-        case 0x02:
-            return "refused: the frame makes no sense";
-        case 0x41:
-            return "refused: not executable";
-        default:
-            return "refused: error " + hexText(frame.subspan(2, 1));
-        }
-    }
-    if (kind == 0x50)
+    if (kind == 0x40 && frame.size() == 3)
+        return "acknowledgement";
+    if (kind == 0x50 && frame.size() == 3)
+        return "completion";
+    if (frame[1] == 0x50)
         return answer(frame.subspan(2, frame.size() - 3));
     return "unknown reply";
 }

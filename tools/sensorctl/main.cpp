@@ -1,9 +1,11 @@
 // sensorctl: a host of the library on the command line.
 
+#include "BlockConsole.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "Interrupt.h"
 #include "Output.h"
+#include "simulator/FaultPlan.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -23,6 +25,11 @@ struct CommandLine {
     bool catalogueOnly = false;
     bool flush = false;
     bool toLast = false;
+    bool keepGoing = false;
+    double seconds = 0;
+    DayNightOptions dayNight;
+    SimulateOptions simulate;
+    int decodedModule = 16;
     std::function<int(Output&)> action;
 };
 
@@ -37,6 +44,17 @@ CLI::App* declare(CLI::App& app, CommandLine& line, const char* name, const char
     command->add_flag("-v,--verbose", line.verbosity, "say more; twice: with the library's console");
     command->callback([&line, action = std::move(action)] { line.action = action; });
     return command;
+}
+
+std::string faultHelp() {
+    std::string text = "A fault plan is KIND[:N[:M]][@WHERE] with commas between; WHERE counts the exchanges from now: "
+                       "n, n-m, n+ or\nevery, by default 1. Kinds:\n";
+    for (const std::string_view name : camerasim::FaultPlan::names()) {
+        std::string padded(name);
+        padded.resize(16, ' ');
+        text += "  " + padded + std::string(camerasim::FaultPlan::describe(name)) + '\n';
+    }
+    return text;
 }
 
 void declareParameterCommands(CLI::App& app, CommandLine& line) {
@@ -72,6 +90,75 @@ void declareParameterCommands(CLI::App& app, CommandLine& line) {
     command->add_flag("--last", line.toLast, "the values saved last instead");
 }
 
+void declareLiveCommands(CLI::App& app, CommandLine& line) {
+    CLI::App* command =
+        declare(app, line, "run", "Keep the module up and take commands from a prompt or a script on standard input",
+                "printf 'set Brightness=60\\nflush\\n' | sensorctl run --module 16 --simulated",
+                [&line](Output& output) { return runCommands(output, line.target, line.keepGoing); });
+    line.target.declare(*command);
+    command->add_flag("--keep-going", line.keepGoing, "do not end a script at its first failure");
+
+    command = declare(app, line, "watch",
+                      "A line for each change of the day/night state or of a value; with --simulated standard input "
+                      "takes the block's commands (dark, light, fault ...)",
+                      "sensorctl watch --module 16 --port /dev/ttyUSB0 --for 60",
+                      [&line](Output& output) { return watch(output, line.target, line.seconds); });
+    line.target.declare(*command);
+    command->add_option("--for", line.seconds, "end after so many seconds; without it at Ctrl-C")
+        ->check(CLI::Range(0.0, 1e7))
+        ->type_name("SECONDS");
+
+    command = declare(app, line, "daynight", "Show the day/night state and mode, set the mode, wait for a switch",
+                      "sensorctl daynight --module 16 --simulated --ambient dark --wait 5",
+                      [&line](Output& output) { return dayNight(output, line.target, line.dayNight); });
+    line.target.declare(*command);
+    command->add_option("mode", line.dayNight.mode, "auto, day, night, clock or module")
+        ->check(CLI::IsMember({"auto", "day", "night", "clock", "module"}))
+        ->type_name("WORD");
+    command->add_option("--wait", line.dayNight.waitSeconds, "wait so long for the state to change")
+        ->check(CLI::Range(0.0, 1e7))
+        ->type_name("SECONDS");
+    command->add_option("--ambient", line.dayNight.ambient, "dark or light at the simulated block")
+        ->check(CLI::IsMember({"dark", "light"}))
+        ->type_name("WORD");
+}
+
+void declareWireCommands(CLI::App& app, CommandLine& line) {
+    CLI::App* command =
+        declare(app, line, "trace", "Bring a module up, set some parameters, and show every frame with its meaning",
+                "sensorctl trace --module 16 --simulated Brightness=60",
+                [&line](Output& output) { return trace(output, line.target, line.words, line.seconds); });
+    line.target.declare(*command);
+    command->add_option("assignment", line.words, "what to set after the bring-up")->type_name("ID|NAME=VALUE");
+    command->add_option("--for", line.seconds, "go on for so many seconds")
+        ->check(CLI::Range(0.0, 1e7))
+        ->type_name("SECONDS");
+
+    command = declare(app, line, "decode",
+                      "Tell the meaning of bytes in hex or of trace lines, from arguments or standard input",
+                      "sensorctl decode 81 01 04 4E 00 00 00 08 FF",
+                      [&line](Output& output) { return decode(output, line.decodedModule, line.words); });
+    command->add_option("-m,--module", line.decodedModule, "whose frames they are, 16 by default");
+    command->add_option("bytes", line.words, "bytes in hex, or trace lines in quotes")->type_name("HEX|LINE");
+
+    command = declare(app, line, "simulate",
+                      "Run a simulated block on a pseudo-terminal and take commands for it from standard input",
+                      "sensorctl simulate --module 16 --link /tmp/block --fault silence@1-3",
+                      [&line](Output& output) { return simulate(output, line.simulate); });
+    command->add_option("-m,--module", line.simulate.moduleId, "module id, see \"sensorctl modules\"")->required();
+    command->add_option("--link", line.simulate.link, "keep a symbolic link to the port")->type_name("PATH");
+    command->add_option("--baud", line.simulate.baud, "pace of the line, by default the model's; 0 for none")
+        ->check(CLI::Range(0, 4000000))
+        ->type_name("BAUD");
+    command->add_option("--fault", line.simulate.faults, "faults, see below")
+        ->type_name("PLAN")
+        ->allow_extra_args(false);
+    command->add_option("--state", line.simulate.stateFile, "load the block's state from a file, save it at the end")
+        ->type_name("FILE");
+    command->footer(command->get_footer() + "\n\nCommands on standard input:\n" + BlockConsole::help() +
+                    "  quit                    end, as the end of the input does\n\n" + faultHelp());
+}
+
 int run(const CommandLine& line) {
     Interrupt::install();
     try {
@@ -103,9 +190,17 @@ int main(int argumentCount, char** arguments) {
     CommandLine line;
     CLI::App app("Brings a camera module up and works on it, on a real serial port or on a simulated block.");
     app.require_subcommand(1);
+    app.failure_message([](const CLI::App* top, const CLI::Error& error) {
+        std::string command = "sensorctl";
+        for (const CLI::App* const chosen : top->get_subcommands())
+            command += ' ' + chosen->get_name();
+        return std::string("sensorctl: ") + error.what() + "\n  try: " + command + " --help\n";
+    });
     app.set_version_flag("--version", "sensorctl " SENSORCTL_VERSION);
     app.footer(std::string("Example:\n  sensorctl list --module 16 --simulated\n\n") + ExitCodes);
     declareParameterCommands(app, line);
+    declareLiveCommands(app, line);
+    declareWireCommands(app, line);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,205 @@
+#include "BlockConsole.h"
+#include "Commands.h"
+#include "Failure.h"
+#include "InputLines.h"
+#include "Interrupt.h"
+#include "Output.h"
+#include "Session.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string_view>
+
+namespace sensorctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr const char* ModeParameter = "DayNightMode";
+constexpr milliseconds PollSpan{250};
+/// The answer to the last inquiry of a bring-up is still in the port: the first readings may stumble over it.
+constexpr int FirstReadings = 12;
+
+struct ModeRow {
+    std::string_view name;
+    int value;
+};
+
+constexpr auto Modes = std::to_array<ModeRow>({{"auto", 0}, {"day", 1}, {"night", 2}, {"clock", 3}, {"module", 4}});
+
+const char* stateText(int status) { return status == 1 ? "day" : "night"; }
+
+/// The state, also where readings fail at first; throws the last Failure.
+int settledState(Session& session) {
+    for (int reading = 1;; ++reading) {
+        try {
+            return session.dayNightStatus();
+        } catch (const Failure&) {
+            if (reading == FirstReadings || !Interrupt::sleep(PollSpan))
+                throw;
+        }
+    }
+}
+
+milliseconds toSpan(double seconds) {
+    return seconds <= 0 ? InputLines::Forever : milliseconds(std::llround(seconds * 1000));
+}
+
+/// Runs block commands from standard input until the time comes; without a block it waits.
+class BlockInput {
+public:
+    BlockInput(Output& output, Session& session) : m_Output(output) {
+        if (session.block() != nullptr)
+            m_pConsole = std::make_unique<BlockConsole>(output, *session.block());
+    }
+
+    /// False when the user wants to end.
+    bool waitUntil(Clock::time_point end);
+
+private:
+    void execute(const std::string& line);
+
+    Output& m_Output;
+    std::unique_ptr<BlockConsole> m_pConsole;
+    InputLines m_Input;
+    bool m_bOpen = true;
+};
+
+bool BlockInput::waitUntil(Clock::time_point end) {
+    while (!Interrupt::isRequested()) {
+        const auto rest = std::chrono::ceil<milliseconds>(end - Clock::now());
+        if (rest <= milliseconds(0))
+            return true;
+        std::string line;
+        if (m_pConsole == nullptr || !m_bOpen)
+            Interrupt::sleep(rest);
+        else if (const InputLines::Result result = m_Input.next(line, rest); result == InputLines::Result::Line)
+            execute(line);
+        else if (result == InputLines::Result::End)
+            m_bOpen = false;
+    }
+    return false;
+}
+
+void BlockInput::execute(const std::string& line) {
+    std::istringstream stream(line);
+    std::string command;
+    if (!(stream >> command))
+        return;
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    try {
+        if (!BlockConsole::knows(command))
+            throw Failure(Usage, '"' + command + "\" is no command of the block",
+                          {"there are:\n" + BlockConsole::help()});
+        m_pConsole->execute(command, words);
+    } catch (const Failure& failure) {
+        m_Output.report(failure);
+    }
+}
+
+void recordChange(Output& output, Clock::time_point start, const std::string& what,
+                  const nlohmann::ordered_json& value) {
+    const double seconds = std::round(std::chrono::duration<double>(Clock::now() - start).count() * 1000) / 1000;
+    char time[32];
+    std::snprintf(time, sizeof time, "%.3f ", seconds);
+    nlohmann::ordered_json object;
+    object["seconds"] = seconds;
+    object["what"] = what;
+    object["value"] = value;
+    output.record(time + what + ' ' + (value.is_string() ? value.get<std::string>() : value.dump()), object);
+}
+
+} // namespace
+
+void setDayNight(Session& session, const std::string& mode) {
+    for (const ModeRow& row : Modes) {
+        if (row.name != mode)
+            continue;
+        session.set(session.parameters().find(ModeParameter), row.value);
+        return;
+    }
+    throw Failure(Usage, "daynight: \"" + mode + "\" is no mode", {"there are: auto, day, night, clock, module"});
+}
+
+void showDayNight(Output& output, Session& session) {
+    const std::string state = stateText(settledState(session));
+    const int mode = session.readValue(session.parameters().find(ModeParameter));
+    std::string name = std::to_string(mode);
+    for (const ModeRow& row : Modes)
+        if (row.value == mode)
+            name = row.name;
+    nlohmann::ordered_json object;
+    object["state"] = state;
+    object["mode"] = name;
+    output.record("daynight " + state + " mode " + name, object);
+}
+
+int dayNight(Output& output, const TargetOptions& target, const DayNightOptions& options) {
+    target.check(true);
+    if (!options.ambient.empty() && !target.simulated)
+        throw Failure(Usage, "--ambient drives a simulated block only", {"try: --simulated"});
+    if (options.waitSeconds < 0)
+        throw Failure(Usage, "--wait: a span is not negative");
+    Session session(output, target);
+    session.bringUp();
+    const int before = options.waitSeconds > 0 ? settledState(session) : -1;
+    if (!options.mode.empty())
+        setDayNight(session, options.mode);
+    if (!options.ambient.empty())
+        BlockConsole(output, *session.block()).execute(options.ambient, {});
+    if (options.waitSeconds > 0) {
+        const auto end = Clock::now() + toSpan(options.waitSeconds);
+        while (settledState(session) == before) {
+            if (Clock::now() >= end)
+                throw Failure(NoAnswer,
+                              std::string("day/night is still ") + stateText(before) + " after the time waited",
+                              {"try: a longer --wait; the mode (sensorctl daynight) may forbid a switch"});
+            if (!Interrupt::sleep(PollSpan))
+                return Interrupted;
+        }
+    }
+    showDayNight(output, session);
+    return Done;
+}
+
+int watch(Output& output, const TargetOptions& target, double seconds) {
+    target.check(true);
+    Session session(output, target);
+    session.bringUp();
+    BlockInput input(output, session);
+    const auto start = Clock::now();
+    const auto end = start + toSpan(seconds);
+    int state = -1;
+    std::map<int, int> values = session.values();
+    while (output.isWritable()) {
+        int now = state;
+        try {
+            now = session.dayNightStatus();
+        } catch (const Failure& failure) {
+            if (output.isVerbose())
+                output.report(failure);
+        }
+        if (now != state)
+            recordChange(output, start, "daynight", stateText(now));
+        state = now;
+        for (const auto& [id, value] : session.values()) {
+            const auto old = values.find(id);
+            if (old == values.end() || old->second != value)
+                recordChange(output, start, session.parameters().nameOf(id), value);
+            values[id] = value;
+        }
+        const auto next = std::min(end, Clock::now() + PollSpan);
+        if (!input.waitUntil(next) || next == end)
+            break;
+    }
+    return Done;
+}
+
+} // namespace sensorctl
