@@ -162,7 +162,7 @@ int ISensorController::checkSensorConfigVersion() {
 }
 
 int ISensorController::initConfigFile() {
-    if (BRFile::isExist(paths::SchemeChoiceFile)) {
+    if (hasSchemeChoice()) {
         int scheme = m_nParamScheme;
         int mode = m_nParamMode;
         const int hasScheme = getParamSchemeFromFile(scheme);

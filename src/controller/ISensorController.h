@@ -357,6 +357,7 @@ private:
     void alignFile(SensorConfigFile& file, const std::string& all);
     void copyFactoryFile(const SensorConfigFile& file);
     void loadSchemes();
+    static bool hasSchemeChoice();
     static std::unique_ptr<ISPParam, TuningDeleter> createTuningTable();
     static std::unique_ptr<EE, TuningDeleter> createEdgeEnhancement();
 

@@ -140,8 +140,15 @@ int ISensorController::initParamSchemeList() {
     return 1;
 }
 
+bool ISensorController::hasSchemeChoice() {
+    // Empty is what a power cut in the moment of its creation leaves: as good as not there, and made again.
+    BRFile file;
+    const bool isEmpty = file.open(paths::SchemeChoiceFile, BRFile::Read) && file.getLength() == 0;
+    return BRFile::isExist(paths::SchemeChoiceFile) && !isEmpty;
+}
+
 int ISensorController::createSensorXML() {
-    if (BRFile::isExist(paths::SchemeChoiceFile))
+    if (hasSchemeChoice())
         return 1;
     XmlConfigureTool tool;
     if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::Create)) {
@@ -160,7 +167,7 @@ int ISensorController::createSensorXML() {
 
 int ISensorController::setValueToParamSchemeNode(const std::string& name, const std::string& value) {
     ScopedLock lock(m_SchemeChoiceMutex);
-    if (!BRFile::isExist(paths::SchemeChoiceFile))
+    if (!hasSchemeChoice())
         return 0;
     XmlConfigureTool tool;
     if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::Change)) {
@@ -177,7 +184,7 @@ int ISensorController::setValueToParamSchemeNode(const std::string& name, const 
 
 int ISensorController::getValueFromParamSchemeNode(const std::string& name, std::string& value) {
     ScopedLock lock(m_SchemeChoiceMutex);
-    if (!BRFile::isExist(paths::SchemeChoiceFile))
+    if (!hasSchemeChoice())
         return 0;
     XmlConfigureTool tool;
     if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::ReadOnly)) {

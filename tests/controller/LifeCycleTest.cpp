@@ -210,7 +210,7 @@ TEST_F(LifeCycle, BrokenFilesAreToldAndHealed) {
         EXPECT_EQ(c().resetParameters(), 1);
         EXPECT_THAT(file("sensor2.cfg"), HasSubstr("(500,0)"));
     }
-    for (const char* xml : {"", "<sensor><paramScheme><item name=\"SchemeIn", "<sensor/>", "\xff\xfe"}) {
+    for (const char* xml : {"<sensor><paramScheme><item name=\"SchemeIn", "<sensor/>", "\xff\xfe"}) {
         create();
         writeFile("sensor.xml", xml);
         m_Root.remove("/mnt/mtd/log");
@@ -222,6 +222,10 @@ TEST_F(LifeCycle, BrokenFilesAreToldAndHealed) {
         EXPECT_TRUE(hasLogged("setParamSchemeModeToFile @setParamMode failed"));
         EXPECT_EQ(c().m_nParamMode, 1);
     }
+    create();
+    writeFile("sensor.xml", ""); // cut off in the moment of its creation
+    ASSERT_EQ(init(), 1);
+    EXPECT_EQ(c().setParamMode(0), 1);
 }
 
 TEST_F(LifeCycle, ComesUpWithoutAPlaceForItsFiles) {
