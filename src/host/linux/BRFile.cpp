@@ -1,5 +1,5 @@
 // Without it a file with a large inode number cannot be asked for its size on a 32-bit device.
-#define _FILE_OFFSET_BITS 64
+#define _FILE_OFFSET_BITS 64 // NOLINT(bugprone-reserved-identifier): libc asks for it by this name
 
 #include "host/BRFile.h"
 
@@ -8,10 +8,10 @@
 #include "host/linux/HostSettings.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <vector>
 
-#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#define _FILE_OFFSET_BITS 64
+#define _FILE_OFFSET_BITS 64 // NOLINT(bugprone-reserved-identifier): libc asks for it by this name
 
 #include "host/BRLogger.h"
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <climits>
 #include <map>
 #include <mutex>
 
-#include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <termios.h>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <cstdint>
 #include <cstdio>
@@ -147,9 +148,7 @@ SimulatedClock::SimulatedClock(int hour, int minute) : m_pState(std::make_unique
 
 SimulatedClock::~SimulatedClock() = default;
 
-void SimulatedClock::advance(double seconds) {
-    wait(static_cast<long long>(seconds * static_cast<double>(MICROSECONDS) + 0.5));
-}
+void SimulatedClock::advance(double seconds) { wait(std::llround(seconds * static_cast<double>(MICROSECONDS))); }
 
 void SimulatedClock::setTimeOfDay(int hour, int minute, int second) {
     const State::Guard guard(m_pState->mutex);

@@ -3,16 +3,16 @@
 #include "host/linux/HostSettings.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
+#include <ctime>
 #include <string>
 #include <string_view>
 
-#include <errno.h>
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace {

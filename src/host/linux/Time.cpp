@@ -5,10 +5,9 @@
 #include "host/linux/SystemTime.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
-
-#include <errno.h>
-#include <time.h>
+#include <ctime>
 
 namespace sensorhost {
 

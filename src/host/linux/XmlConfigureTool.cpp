@@ -37,10 +37,10 @@ struct XmlConfigureNode::State : XmlConfigureItem::State {};
 namespace {
 
 template <class State>
-std::shared_ptr<State> standAlone(std::shared_ptr<TiXmlElement> element) {
+std::shared_ptr<State> standAlone(const std::shared_ptr<TiXmlElement>& element) {
     auto state = std::make_shared<State>();
     state->element = element.get();
-    state->owner = std::move(element);
+    state->owner = element;
     return state;
 }
 
@@ -117,7 +117,8 @@ XmlConfigureItem::~XmlConfigureItem() = default;
 XmlConfigureItem::XmlConfigureItem(const XmlConfigureItem& other) : m_pState(copyOf(other.m_pState)) {}
 
 XmlConfigureItem& XmlConfigureItem::operator=(const XmlConfigureItem& other) {
-    m_pState = copyOf(other.m_pState);
+    if (this != &other)
+        m_pState = copyOf(other.m_pState);
     return *this;
 }
 
@@ -149,7 +150,8 @@ XmlConfigureNode::~XmlConfigureNode() = default;
 XmlConfigureNode::XmlConfigureNode(const XmlConfigureNode& other) : m_pState(copyOf(other.m_pState)) {}
 
 XmlConfigureNode& XmlConfigureNode::operator=(const XmlConfigureNode& other) {
-    m_pState = copyOf(other.m_pState);
+    if (this != &other)
+        m_pState = copyOf(other.m_pState);
     return *this;
 }
 
