@@ -80,6 +80,11 @@ std::vector<std::string> RestoreReport::lines(ISensorController& controller, con
     controller.readCurrentParam(scheme, text);
     std::map<int, int> values;
     if (!parseParameterString(text, values) || values.empty()) {
+        // A scheme whose file cannot be read has no span yet when the start looks for one: it falls back.
+        scheme = -1;
+        values = look(scheme).values;
+    }
+    if (values.empty()) {
         lines.push_back("restored nothing: " + nameOf(scheme) + " holds no parameters");
         return lines;
     }
