@@ -64,7 +64,9 @@ int PowerCut::Device::bringUp() {
 
 TEST_F(PowerCut, TheNextStartFindsAWholeSet) {
     std::string commonIds;
-    for (const sensorcontrol::ParameterInfo& parameter : sensorcontrol::describeModel(16)->parameters)
+    const auto model = sensorcontrol::describeModel(16);
+    ASSERT_TRUE(model);
+    for (const sensorcontrol::ParameterInfo& parameter : model->parameters)
         if (parameter.kind == IdManager::Common)
             commonIds += "(" + std::to_string(parameter.id) + ")";
     commonIds += "(500)(501)(502)(503)(504)";

@@ -5,6 +5,18 @@
 
 #include <thread>
 
+namespace {
+
+/// Its filter needs no time.
+class WithoutPins final : public PlainController {
+public:
+    ~WithoutPins() override { stopDNChangeThread(); }
+    int SwitchInfraredIrCutToDay() override { return 1; }
+    int SwitchInfraredIrCutToNight() override { return 1; }
+};
+
+} // namespace
+
 TEST(ThreadsMeet, HostThreadsAndTheBackgroundThread) {
     sensorhost::ImagingStandIn::getInstance().reset();
     TempRoot root;
@@ -14,11 +26,10 @@ TEST(ThreadsMeet, HostThreadsAndTheBackgroundThread) {
     std::string all;
     std::string saved;
     {
-        PlainController controller;
+        WithoutPins controller;
         controller.setOperator(SafePointer<IUARTController>(), SafePointer<IGPIO>(new sensorhost::MemoryGpio));
         controller.m_bNotes = false;
         ASSERT_EQ(controller.init(0, ModuleConfigure(99, "", ""), VideoResolution(1920, 1080)), 1);
-        controller.m_bisZoomModule = false;
         const auto expect = [&failures](int thread, bool isTrue) { failures[thread] += isTrue ? 0 : 1; };
 
         std::thread setter([&] {
