@@ -40,10 +40,15 @@ bool tryOnce(const SerialLine& line, const ExchangeRule& rule, int attempt, std:
 
 } // namespace
 
-int exchange(const SerialLine& line, const ExchangeRule& rule, std::span<const char> command, int replyLength,
+int exchange(const SerialLine& line, const ExchangeRule& rule, const char* bytes, int length, int replyLength,
              char* reply) {
-    if (replyLength < 0 || static_cast<std::size_t>(replyLength) > line.buffer.size())
+    // A port's -1 would pass for all of -1 bytes.
+    if (length < 0 || replyLength < 0 || static_cast<std::size_t>(replyLength) > line.buffer.size()) {
+        line.controller.ErrorPrintf("===%s: a command of %d bytes and a reply of %d are refused", rule.name, length,
+                                    replyLength);
         return 0;
+    }
+    const std::span<const char> command(bytes, static_cast<std::size_t>(length));
     const std::span<char> received = line.buffer.first(static_cast<std::size_t>(replyLength));
     sensorhost::ScopedLock lock(line.mutex);
     for (int attempt = 1; attempt <= rule.tries; ++attempt) {

@@ -28,9 +28,10 @@ struct ExchangeRule {
 };
 
 /// One exchange: command out, exactly `replyLength` bytes in, checked; a failed try drains the port and is followed by
-/// the next. `reply` receives the bytes unless it is null; on failure it stays as it was. 1 or 0. Blocks for the
-/// replies, at worst for every try's timeout and drain. Allocates nothing.
-int exchange(const SerialLine& line, const ExchangeRule& rule, std::span<const char> command, int replyLength,
+/// the next. `reply` receives the bytes unless it is null; on failure it stays as it was. 1 or 0; a negative length or
+/// a reply beyond the buffer is refused and nothing is sent. Blocks for the replies, at worst for every try's timeout
+/// and drain. Allocates nothing unless a try fails and is logged.
+int exchange(const SerialLine& line, const ExchangeRule& rule, const char* command, int length, int replyLength,
              char* reply = nullptr);
 
 /// Logs a reply that differs from what was expected, with both.

@@ -109,5 +109,5 @@ int ITrellisZoomSensorController::sendMaskFrame(int operation, int operand, cons
 int ITrellisZoomSensorController::BRSendParam(const char* command, int length) {
     const SerialLine line{
         *this, *m_pUARTController, m_nUartHandle, m_UartMutex, {m_pRecvBuffer.get(), ReceiveBufferSize}};
-    return exchange(line, maskRule, {command, static_cast<std::size_t>(length)}, length);
+    return exchange(line, maskRule, command, length, length);
 }

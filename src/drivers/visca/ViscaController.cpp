@@ -117,7 +117,7 @@ int ViscaController<Base>::runExchange(const ExchangeRule& rule, const char* com
                           this->m_nUartHandle,
                           this->m_UartMutex,
                           {this->m_pRecvBuffer.get(), Base::ReceiveBufferSize}};
-    return exchange(line, rule, {command, static_cast<std::size_t>(length)}, replyLength, reply);
+    return exchange(line, rule, command, length, replyLength, reply);
 }
 
 template <class Base>
