@@ -1,0 +1,279 @@
+#include "drivers/QuietCmd8100.h"
+#include "support/ScriptedPort.h"
+
+#include <vector>
+
+namespace {
+
+constexpr std::uint32_t VideoSystem = 0x2472;
+constexpr std::uint32_t VideoSystemInForce = 0x12472;
+
+class Cmd8100Operations : public QuietCmd8100 {
+protected:
+    Outcome setVideoSystem(int videoSystem) {
+        return outcome([&] { return controller().setSensorVideoSystem(videoSystem, VideoResolution(1920, 1080)); });
+    }
+    Outcome status(int& value) {
+        return outcome([&] { return controller().getDNStatusFromSensor(value); });
+    }
+    void hold(std::uint32_t address, std::uint32_t value) {
+        m_pPort->line().withBlock(
+            [&](camerasim::CameraBlock& block, std::int64_t) { block.setRegister(address, value); });
+    }
+};
+
+TEST_F(Cmd8100Operations, DayAndNightGoToTheBlockOrToItsInfraredBoard) {
+    start(0);
+    const auto night = [&] { return controller().turnPictureToNight(); };
+    const auto day = [&] { return controller().turnPictureToDay(); };
+    const auto automatic = [&] { return controller().enterAutoMode(); };
+    EXPECT_EQ(outcome(night), (Outcome{1, "81 01 04 51 03 FF | 81 01 04 01 02 FF", ""}));
+    EXPECT_EQ(outcome(day), (Outcome{1, "81 01 04 51 03 FF | 81 01 04 01 03 FF", ""}));
+    EXPECT_EQ(outcome(automatic), (Outcome{1, "81 01 04 51 02 FF", ""}));
+    m_pPort->addFault("refuse@1-3,refuse@5-7");
+    Outcome failed = outcome(night);
+    EXPECT_EQ(failed.result, 0);
+    EXPECT_EQ(failed.frames, times(3, "81 01 04 51 03 FF"));
+    failed = outcome(day);
+    EXPECT_EQ(failed.result, 0);
+    EXPECT_EQ(failed.frames, "81 01 04 51 03 FF | " + times(3, "81 01 04 01 03 FF"));
+
+    for (const int infrared : {1, 2, -1}) {
+        start(infrared);
+        EXPECT_EQ(outcome(night), (Outcome{1, "FE 01 1E 02 00 01 22 FF", ""})) << infrared;
+        EXPECT_EQ(outcome(day), (Outcome{1, "FE 01 1E 02 00 02 23 FF", ""})) << infrared;
+        EXPECT_EQ(outcome(automatic), (Outcome{1, "FE 01 1E 02 00 00 21 FF", ""})) << infrared;
+    }
+    m_pPort->addFault("refuse@1-3");
+    EXPECT_EQ(outcome(automatic).result, 0);
+}
+
+TEST_F(Cmd8100Operations, StatusIsDayOrNightOrRefused) {
+    start(1);
+    const std::string inquiry = "81 09 04 01 FF";
+    const std::string refusal = "get daynight value out of range value = ";
+    int value = 77;
+    hold(0x01, 2);
+    EXPECT_EQ(status(value), (Outcome{1, inquiry, ""}));
+    EXPECT_EQ(value, 0);
+    hold(0x01, 3);
+    EXPECT_EQ(status(value), (Outcome{1, inquiry, ""}));
+    EXPECT_EQ(value, 1);
+    value = 77;
+    for (const int bad : {0, 1, 4, 0x82, 0xff}) {
+        hold(0x01, static_cast<std::uint32_t>(bad));
+        EXPECT_EQ(status(value), (Outcome{0, inquiry, refusal + std::to_string(bad)}));
+    }
+    m_pPort->addFault("silence@every");
+    const Outcome silent = status(value);
+    EXPECT_EQ(silent.result, 0);
+    EXPECT_EQ(silent.frames, times(3, inquiry));
+    EXPECT_TRUE(silent.log.ends_with(" | get dn failed ")) << silent;
+    EXPECT_EQ(value, 77);
+}
+
+TEST_F(Cmd8100Operations, VideoSystemIsWrittenOnlyWhenItDiffersAndCostsARestart) {
+    start();
+    const std::string inquiry = "81 09 04 24 72 FF";
+    const std::string restart = "FE 05 03 01 01 0A FF";
+    ASSERT_EQ(m_pPort->registerValue(VideoSystemInForce), 6U) << "the start has set NTSC";
+    Outcome made = setVideoSystem(0);
+    EXPECT_EQ(made, (Outcome{1, inquiry, ""}));
+    EXPECT_NEAR(made.seconds, 0.0001, 1e-6);
+
+    static constexpr struct {
+        int videoSystem;
+        std::uint32_t value;
+        const char* write;
+    } changes[] = {{1, 8, "81 01 04 24 72 00 08 FF"},
+                   {0, 6, "81 01 04 24 72 00 06 FF"},
+                   {2, 0, "81 01 04 24 72 00 00 FF"},
+                   {-1, 0, nullptr},
+                   {0, 6, "81 01 04 24 72 00 06 FF"}};
+    for (const auto& change : changes) {
+        made = setVideoSystem(change.videoSystem);
+        EXPECT_EQ(
+            made,
+            (Outcome{1, change.write == nullptr ? inquiry : inquiry + " | " + change.write + " | " + restart, ""}));
+        EXPECT_NEAR(made.seconds, change.write == nullptr ? 0.0001 : 20.1001, 1e-6) << "20 s and one empty drain";
+        EXPECT_EQ(m_pPort->registerValue(VideoSystemInForce), change.value);
+    }
+
+    m_pPort->addFault("silence@1-3");
+    made = setVideoSystem(1);
+    EXPECT_EQ(made.result, 0);
+    EXPECT_EQ(made.frames, times(3, inquiry));
+    EXPECT_TRUE(made.log.ends_with(" | get sensor video system failed")) << made;
+
+    m_pPort->addFault("refuse@2-4");
+    made = setVideoSystem(1);
+    EXPECT_EQ(made.result, 0);
+    EXPECT_EQ(made.frames, inquiry + " | " + times(3, "81 01 04 24 72 00 08 FF")) << "no restart for nothing";
+    EXPECT_EQ(m_pPort->registerValue(VideoSystem), 6U);
+
+    m_pPort->addFault("short-write@3");
+    made = setVideoSystem(1);
+    EXPECT_EQ(made, (Outcome{0, inquiry + " | 81 01 04 24 72 00 08 FF | " + restart, ""}));
+    EXPECT_NEAR(made.seconds, 1.0001, 1e-6);
+    EXPECT_EQ(m_pPort->registerValue(VideoSystemInForce), 6U) << "written, but the block did not restart";
+}
+
+TEST_F(Cmd8100Operations, NotificationIsSentRawAndItsReplyCostsTheNextSettingATry) {
+    start();
+    const auto notify = [&] { return controller().NotifySensorInitComplate(); };
+    EXPECT_EQ(outcome(notify), (Outcome{1, "81 09 04 22 FF", ""}));
+    EXPECT_EQ(set(6, 3).frames, times(2, "81 01 04 A2 03 FF"));
+    m_pPort->addFault("short-write@1,short-write:0@2");
+    const Outcome failed = outcome(notify);
+    EXPECT_EQ(failed, (Outcome{0, "81 09 04 22 FF", "send @NotifySensorInitComplate failed,nRet=4"}));
+    EXPECT_NEAR(failed.seconds, 1, 1e-6);
+    EXPECT_EQ(outcome(notify).log, "send @NotifySensorInitComplate failed,nRet=0");
+}
+
+TEST_F(Cmd8100Operations, MaskOperationsNeedARegion) {
+    static constexpr struct {
+        int id;
+        const char* frame; ///< for region 5
+        const char* failure;
+    } operations[] = {{66, "A1 01 05 FF", "setMask failed"},       {67, "A1 04 05 FF", "showMask failed"},
+                      {68, "A1 05 05 FF", "hideMask failed"},      {69, "A1 06 05 FF", "clearMask failed"},
+                      {71, "A1 20 01 FF", "increaseWidth failed"}, {72, "A1 20 02 FF", "decreaseWidth failed"},
+                      {73, "A1 20 03 FF", "increaseHight failed"}, {74, "A1 20 04 FF", "decreaseHight failed"}};
+    start();
+    for (const auto& operation : operations)
+        EXPECT_EQ(set(operation.id, 9), (Outcome{0, "", "0==m_nRegion"})) << operation.id;
+    EXPECT_EQ(set(70, 9), (Outcome{1, "A1 07 00 FF", ""})) << "all masks need no region";
+
+    EXPECT_EQ(set(65, 5), (Outcome{1, "A1 00 05 FF", ""}));
+    int value = 77;
+    EXPECT_EQ(controller().getParameterFromSensor(65, value), 1);
+    EXPECT_EQ(value, 0) << "never read back";
+    for (const auto& operation : operations)
+        EXPECT_EQ(set(operation.id, 9), (Outcome{1, operation.frame, ""})) << operation.id;
+    EXPECT_EQ(set(70, 9), (Outcome{1, "A1 07 05 FF", ""}));
+
+    m_pPort->addFault("silence@every");
+    for (const auto& operation : operations) {
+        const Outcome silent = set(operation.id, 9);
+        EXPECT_EQ(silent.result, 0);
+        EXPECT_EQ(silent.frames, times(3, operation.frame));
+        EXPECT_TRUE(silent.log.ends_with(std::string("===recv(0): | ") + operation.failure)) << silent;
+    }
+    EXPECT_TRUE(set(70, 9).log.ends_with(" | clearAllMask failed"));
+    const Outcome unchosen = set(65, 6);
+    EXPECT_EQ(unchosen.frames, times(3, "A1 00 06 FF"));
+    EXPECT_TRUE(unchosen.log.ends_with(" | setRegion failed")) << unchosen;
+    m_pPort->clearFaults();
+    EXPECT_EQ(set(66, 0).frames, "A1 01 05 FF") << "the old region stands";
+    m_pPort->addFault("flip:2:0@1");
+    EXPECT_EQ(set(67, 0), (Outcome{1, "A1 04 05 FF | A1 04 05 FF",
+                                   "===check(1 times) @BRSendParam failed,send: | 0xa1,0x4,0x5,0xff | ===recv(4): | "
+                                   "0xa1,0x4,0x4,0xff"}));
+    m_pPort->addFault("flip:1:0@every");
+    EXPECT_EQ(set(67, 0).frames, times(3, "A1 04 05 FF"));
+
+    EXPECT_EQ(set(65, 0), (Outcome{1, "", ""}));
+    EXPECT_EQ(set(66, 0), (Outcome{0, "", "0==m_nRegion"}));
+}
+
+TEST_F(Cmd8100Operations, ARegionSetDuringTheStartIsOnlyRemembered) {
+    create();
+    m_pPort->takeSent();
+    EXPECT_EQ(block().setRegion(5), 1);
+    EXPECT_TRUE(m_pPort->takeSent().empty());
+    EXPECT_EQ(block().setMask(), 1);
+    EXPECT_EQ(m_pPort->takeSent(), std::vector<std::string>{"A1 01 05 FF"});
+    // Without stored values to go by, a mode is sent and then fails.
+    EXPECT_EQ(block().setExposalMode(2), 0);
+    EXPECT_EQ(m_pPort->takeSent(), std::vector<std::string>{"81 01 04 39 0B FF"});
+    EXPECT_EQ(block().setExposalMode(3), 1);
+}
+
+TEST_F(Cmd8100Operations, ARefusedBrightnessSwitchDoesNotEndTheStart) {
+    start();
+    m_pPort->addFault("refuse@every");
+    const Outcome begun = outcome([&] {
+        return controller().initController(
+            0, ModuleConfigure(16, "RS485=ttyS1;isInfrared=0;generation=3", "RS485=9600,8,1,0"));
+    });
+    EXPECT_EQ(begun.result, 1);
+    EXPECT_EQ(begun.frames, times(3, "81 01 04 3E 02 FF"));
+    EXPECT_TRUE(begun.log.ends_with(" | Brightness on Failed.")) << begun;
+}
+
+/// Starts against a port that answers nothing unless the test says so.
+class Cmd8100Start : public QuietCmd8100 {
+protected:
+    int startOn(const std::string& detail, const std::string& parameters) {
+        create().setOperator(m_pScript, m_pGpio);
+        m_pScript->takeCalls();
+        forgetLog();
+        return controller().init(0, ModuleConfigure(16, detail, parameters), VideoResolution(1920, 1080));
+    }
+
+    SafePointer<ScriptedPort> m_pScript{new ScriptedPort};
+};
+
+TEST_F(Cmd8100Start, EveryFailureSaysWhatIsMissing) {
+    const std::string good = "RS485=ttyS1;isInfrared=0;generation=3";
+    const std::string line = "RS485=9600,8,1,0";
+    const std::string withoutTuningFile = "objISPParamParse.parse failed | ";
+    const struct {
+        std::string detail;
+        std::string parameters;
+        std::string log;
+        int openResult = 3;
+        int lineResult = 1;
+    } starts[] = {
+        {"RS485", line, "parse detail failed | "},
+        {"isInfrared=0;generation=3", line, "get RS232DeviceName from detail failed | "},
+        {"", line, "get RS232DeviceName from detail failed | "},
+        {"RS485=ttyS1;generation=3", line, "get isInfrared from detail failed | "},
+        {good, "=", "parse senseParameter failed | "},
+        {good, "", "get RS232Parameter from senseParameter failed | "},
+        {"RS485=ttyS1;isInfrared=0", "",
+         "get generation from detail failed | get RS232Parameter from senseParameter failed | "},
+        {good, "RS485=9600,8,1", "parse RS485 param failed,nRet=3 | "},
+        {good, "RS485=9600;8,1,0", "parse senseParameter failed | "},
+        {good, "RS485=x", "parse RS485 param failed,nRet=0 | "},
+        {good, line, "open uart (ttyS1) failed | ", -1},
+        {good, line, "", 3, 0},
+    };
+    for (const auto& start : starts) {
+        m_pScript->m_nOpenResult = start.openResult;
+        m_pScript->m_nLineResult = start.lineResult;
+        EXPECT_EQ(startOn(start.detail, start.parameters), 0);
+        EXPECT_EQ(logLines(), withoutTuningFile + start.log + "initController failed");
+        EXPECT_EQ(controller().setParameterToSensor(1, 50), 0);
+        const std::vector<std::string> calls = m_pScript->takeCalls();
+        EXPECT_EQ(calls.size(), start.lineResult == 0 ? 2U : start.openResult < 0 ? 1U : 0U) << start.log;
+    }
+}
+
+TEST_F(Cmd8100Start, OrderOnThePortAndABlockThatSaysNothing) {
+    ASSERT_EQ(startOn("RS485=ttyS1;isInfrared=0", "RS485=1,2,3,4"), 1);
+    const std::vector<std::string> calls = m_pScript->takeCalls();
+    const std::vector<std::string> expected{"open ttyS1",
+                                            "line 1 2 4 3",
+                                            "drain",
+                                            "send 81 01 04 3E 02 FF",
+                                            "recv 3/4",
+                                            "drain",
+                                            "send 81 01 04 3E 02 FF",
+                                            "recv 3/4",
+                                            "drain",
+                                            "send 81 01 04 3E 02 FF",
+                                            "recv 3/4",
+                                            "drain",
+                                            "send 4D 45 4E 55 4F 4E",
+                                            "send 81 09 04 24 72 FF",
+                                            "recv 5/4"};
+    ASSERT_GT(calls.size(), expected.size());
+    EXPECT_EQ(std::vector<std::string>(calls.begin(), calls.begin() + static_cast<long>(expected.size())), expected);
+    EXPECT_NE(initLog().find("init setSensorVideoSystem failed"), std::string::npos);
+    EXPECT_NE(errorLog().find("ISensorController::initSensor  success"), std::string::npos);
+    std::string known;
+    EXPECT_EQ(controller().getParameters("(1)", known), 0) << "nothing that the block did not confirm";
+}
+
+} // namespace
