@@ -10,9 +10,9 @@
 /// each whole write; an operation that reads and then writes is not atomic as a whole.
 class SENSORCONTROL_API SensorConfigFile {
 public:
-    static constexpr int NoVersion = -10000;   ///< no version entry is written
-    static constexpr int AnyVersion = 999;     ///< a stored version that equals every other
-    static constexpr int VersionId = 10000;    ///< reserved ids of the version entries
+    static constexpr int NoVersion = -10000; ///< no version entry is written
+    static constexpr int AnyVersion = 999;   ///< a stored version that equals every other
+    static constexpr int VersionId = 10000;  ///< reserved ids of the version entries
     static constexpr int Version2Id = 10001;
 
     explicit SensorConfigFile(const std::string& path);
