@@ -163,6 +163,14 @@ void Session::checkBringUp(const std::string& device, const std::vector<std::str
             m_Output.note("warning: " + line);
 }
 
+template <class Operation>
+void Session::perform(const std::string& what, Operation operation, ExitCode unsentCode, const std::string& hint) {
+    m_ErrorLog.takeNew();
+    const std::size_t mark = m_Trace.mark();
+    if (operation() != 1)
+        throw explain(what, mark, unsentCode, hint);
+}
+
 std::optional<int> Session::value(int id) {
     std::string text;
     std::map<int, int> found;
@@ -237,14 +245,6 @@ void Session::resetToLast() {
     perform(
         "reset --last", [&] { return controller().resetToLastParameters(); }, Trouble,
         "try: sensorctl reset, for the factory values");
-}
-
-void Session::perform(const std::string& what, const std::function<int()>& operation, ExitCode unsentCode,
-                      const std::string& hint) {
-    m_ErrorLog.takeNew();
-    const std::size_t mark = m_Trace.mark();
-    if (operation() != 1)
-        throw explain(what, mark, unsentCode, hint);
 }
 
 Failure Session::explain(const std::string& what, std::size_t mark, ExitCode unsentCode, const std::string& hint) {

@@ -9,7 +9,6 @@
 #include "controller/SensorControllerManager.h"
 #include "simulator/PtyServer.h"
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -33,7 +32,10 @@ public:
     Session& operator=(const Session&) = delete;
 
     /// Hears every line of the wire. Before bringUp.
-    void addListener(WireTrace::Listener listener) { m_Trace.addListener(std::move(listener)); }
+    template <class Function>
+    void addListener(Function function) {
+        m_Trace.addListener(std::move(function));
+    }
     /// Blocks for seconds, shows progress and says what was restored. Throws Failure.
     void bringUp();
 
@@ -63,8 +65,8 @@ private:
     void startBlock();
     void checkBringUp(const std::string& device, const std::vector<std::string>& errors);
     /// Runs an operation of the library; throws what the log and the wire say of it if it gives 0.
-    void perform(const std::string& what, const std::function<int()>& operation, ExitCode unsentCode,
-                 const std::string& hint);
+    template <class Operation>
+    void perform(const std::string& what, Operation operation, ExitCode unsentCode, const std::string& hint);
     Failure explain(const std::string& what, std::size_t mark, ExitCode unsentCode, const std::string& hint);
     ISensorController& controller() { return *m_Manager.getSensorController(); }
 

@@ -20,8 +20,6 @@ std::vector<std::uint8_t> copyOf(const char* bytes, int length) {
 WireTrace::WireTrace(std::unique_ptr<FrameDecoder> decoder)
     : m_pDecoder(std::move(decoder)), m_dStart(BRDeviceTime::getSeconds()) {}
 
-void WireTrace::addListener(Listener listener) { m_Listeners.push_back(std::move(listener)); }
-
 void WireTrace::onSend(double seconds, const char* bytes, int length, int result) {
     TraceLine line;
     line.seconds = seconds - m_dStart;
@@ -62,8 +60,8 @@ void WireTrace::onReceive(double seconds, const char* bytes, int received, int w
 void WireTrace::add(TraceLine line, Outcome outcome) {
     if (m_pDecoder != nullptr)
         line.decode(*m_pDecoder);
-    for (const Listener& listener : m_Listeners)
-        listener(line);
+    for (const std::unique_ptr<Listener>& listener : m_Listeners)
+        listener->hear(line);
     m_Entries.push_back({std::move(line), std::this_thread::get_id(), outcome});
     if (m_Entries.size() > Capacity) {
         m_Entries.pop_front();

@@ -6,11 +6,11 @@
 
 #include <cstddef>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace sensorctl {
@@ -18,13 +18,25 @@ namespace sensorctl {
 /// Remembers what went over the port and tells listeners of it. Any thread may use it.
 class WireTrace final : public sensorhost::WireSink {
 public:
-    using Listener = std::function<void(const TraceLine&)>;
+    struct Listener {
+        virtual ~Listener() = default;
+        virtual void hear(const TraceLine& line) = 0;
+    };
 
     /// Without a decoder the lines have no meaning.
     explicit WireTrace(std::unique_ptr<FrameDecoder> decoder);
 
-    /// Called for each line, in the order of the wire, on the thread that uses the port. Set before the port is used.
-    void addListener(Listener listener);
+    /// Calls function(line) for each line, in the order of the wire, on the thread that uses the port. To be added
+    /// before the port is used.
+    template <class Function>
+    void addListener(Function function) {
+        struct Wrapped final : Listener {
+            explicit Wrapped(Function wrapped) : m_Function(std::move(wrapped)) {}
+            void hear(const TraceLine& line) override { m_Function(line); }
+            Function m_Function;
+        };
+        m_Listeners.push_back(std::make_unique<Wrapped>(std::move(function)));
+    }
 
     void onSend(double seconds, const char* bytes, int length, int result) override;
     void onReceive(double seconds, const char* bytes, int received, int wanted, int timeout) override;
@@ -49,7 +61,7 @@ private:
 
     mutable std::mutex m_Mutex;
     std::unique_ptr<FrameDecoder> m_pDecoder;
-    std::vector<Listener> m_Listeners;
+    std::vector<std::unique_ptr<Listener>> m_Listeners;
     std::deque<Entry> m_Entries;
     std::size_t m_nForgotten = 0;
     const double m_dStart;
