@@ -127,6 +127,15 @@ TEST_F(BringUpTest, setsTheDayNightModeAndWaitsForTheSwitch) {
     EXPECT_EQ(result.out, "daynight night mode night\n");
 }
 
+TEST_F(BringUpTest, saysWhatTheBlockDidNotTakeAtTheStart) {
+    // Three refusals are one command with its retries: the first of the parameters, behind five other exchanges.
+    const ToolProcess::Result result = run(simulated("get", {"--fault", "refuse@6-8", "ExposalMode"}));
+    EXPECT_EQ(result.code, 2);
+    EXPECT_THAT(result.err, HasSubstr("restored 32 of 33 parameters from sensor1.cfg"));
+    EXPECT_THAT(result.err, HasSubstr("not taken by the module: ExposalMode\n"));
+    EXPECT_THAT(result.err, HasSubstr("get ExposalMode (id 0): the module did not take its value"));
+}
+
 TEST_F(BringUpTest, isInterruptedDuringABringUp) {
     ToolProcess process(m_Folder.path(), simulated("get", {"--verbose"}));
     ASSERT_TRUE(process.awaitError("bring-up: video system"));

@@ -68,7 +68,8 @@ std::string RestoreReport::fate(int scheme, const File& before, const char* sour
     return {};
 }
 
-std::vector<std::string> RestoreReport::lines(ISensorController& controller, const Parameters& parameters) {
+std::vector<std::string> RestoreReport::lines(ISensorController& controller, const Parameters& parameters,
+                                              const std::map<int, int>& held) {
     std::vector<std::string> lines;
     for (const std::string& line :
          {fate(-1, m_Factory, "from the module's factory values"), fate(0, m_FirstScheme, "from the factory values")})
@@ -91,8 +92,15 @@ std::vector<std::string> RestoreReport::lines(ISensorController& controller, con
     dropVersions(values);
     const std::map<int, int> factory = factoryValues();
     std::string changed;
+    std::string refused;
     int count = 0;
+    std::size_t taken = 0;
     for (const auto& [id, value] : values) {
+        if (held.count(id) == 0) {
+            refused += (refused.empty() ? "" : ", ") + parameters.nameOf(id);
+            continue;
+        }
+        ++taken;
         const auto original = factory.find(id);
         if (original == factory.end() || original->second == value)
             continue;
@@ -100,9 +108,17 @@ std::vector<std::string> RestoreReport::lines(ISensorController& controller, con
         changed += (changed.empty() ? "" : ", ") + parameters.nameOf(id) + ' ' + std::to_string(value) + " (factory " +
                    std::to_string(original->second) + ')';
     }
-    lines.push_back("restored " + std::to_string(values.size()) + " parameters from " + nameOf(scheme) +
-                    (count == 0 ? ", all at their factory values"
-                                : ", " + std::to_string(count) + " unlike the factory's: " + changed));
+    std::string restored = "restored " + std::to_string(taken);
+    if (!refused.empty())
+        restored += " of " + std::to_string(values.size());
+    restored += " parameters from " + nameOf(scheme);
+    if (count > 0)
+        restored += ", " + std::to_string(count) + " unlike the factory's: " + changed;
+    else if (taken > 0)
+        restored += ", all at their factory values";
+    lines.push_back(restored);
+    if (!refused.empty())
+        lines.push_back("not taken by the module: " + refused);
     return lines;
 }
 

@@ -15,8 +15,9 @@ class RestoreReport {
 public:
     RestoreReport();
 
-    /// Lines for the user, after the bring-up.
-    std::vector<std::string> lines(ISensorController& controller, const Parameters& parameters);
+    /// Lines for the user, after the bring-up; `held` is what the module has taken.
+    std::vector<std::string> lines(ISensorController& controller, const Parameters& parameters,
+                                   const std::map<int, int>& held);
 
     /// Path of the parameter file of a scheme (from 0), -1 for the factory file, on this machine.
     static std::string filePath(int scheme);

@@ -129,7 +129,7 @@ void Session::bringUp() {
     checkBringUp(device, m_ErrorLog.takeNew());
     for (const std::string& line : m_InitLog.takeNew())
         m_Output.note("warning: " + line);
-    for (const std::string& line : report.lines(controller(), m_Parameters))
+    for (const std::string& line : report.lines(controller(), m_Parameters, values()))
         m_Output.note(line);
 }
 
@@ -204,8 +204,8 @@ int Session::readValue(const sensorcontrol::ParameterInfo& parameter) {
                       {"try: sensorctl set " + parameter.name + (parameter.isCommand ? "" : "=VALUE")});
     if (const std::optional<int> held = value(parameter.id))
         return *held;
-    throw Failure(Trouble, what + "it got no value at the bring-up",
-                  {"try: the warnings above; sensorctl reset makes broken parameter files anew"});
+    throw Failure(Refused, what + "the module did not take its value at the bring-up",
+                  {"try: sensorctl trace, for what the block said"});
 }
 
 int Session::dayNightStatus() {
