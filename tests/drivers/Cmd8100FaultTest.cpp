@@ -6,8 +6,8 @@
 
 namespace {
 
-/// What becomes of an exchange under a fault: the frames that it sends, "!" when it fails, "~" when an inquiry takes
-/// foreign bytes for its reply, so that the rest stays in the port and the next inquiry reads it first.
+/// What becomes of an exchange under a fault: the frames that it sends, "!" when it fails, "~" when foreign bytes
+/// behind the reply of an inquiry stay in the port, so that the next inquiry reads them first.
 struct FaultRow {
     const char* fault;
     const char* setOnce;
@@ -25,11 +25,11 @@ constexpr FaultRow faultRows[] = {
     {"truncate:2", "2", "3!", "2", "3!", "2", "3!"},
     {"split:1:100", "1", "1", "1", "1", "1", "1"},
     {"merge", "2", "3!", "2", "3!", "2", "3!"},
-    {"noise-before:3", "2", "3!", "1!~", "1!~", "2", "3!"},
+    {"noise-before:3", "2", "3!", "1!", "1!", "2", "3!"},
     {"noise-between:3", "1", "1", "1~", "1~", "1", "1"},
     {"flip:2:2", "2", "3!", "1!", "1!", "2", "3!"},
     {"duplicate", "1", "1", "1", "1", "1", "1"},
-    {"echo", "2", "3!", "1!~", "1!~", "1", "1"},
+    {"echo", "2", "3!", "1!", "1!", "1", "1"},
     {"refuse", "2", "3!", "1!", "1!", "2", "3!"},
     {"checksum", "2", "3!", "1!", "1!", "2", "3!"},
     {"short-write", "2", "3!", "2", "3!", "2", "3!"},
@@ -88,7 +88,6 @@ protected:
             m_nStatus = 77;
             EXPECT_EQ(summary(status()), "1!");
             EXPECT_EQ(m_nStatus, 77) << "never a wrong status";
-            EXPECT_EQ(summary(store("(1,15)")), "2") << "its first try drains the port";
         }
         EXPECT_EQ(summary(status()), "1");
     }

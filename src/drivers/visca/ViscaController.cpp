@@ -17,6 +17,7 @@
 #include "drivers/visca/ViscaModel.h"
 #include "host/BreltoTime.h"
 #include "host/ModuleConfigure.h"
+#include "host/ScopedLock.h"
 
 #include <cstdio>
 
@@ -162,8 +163,15 @@ int ViscaController<Base>::getDNStatusFromSensor(int& status) {
         return 1;
     default:
         this->ErrorPrintf("get daynight value out of range value = %d", static_cast<unsigned char>(reply[2]));
+        drain(); // foreign bytes before the reply leave its tail in the port, and every later inquiry as far off
         return 0;
     }
+}
+
+template <class Base>
+void ViscaController<Base>::drain() {
+    sensorhost::ScopedLock lock(this->m_UartMutex);
+    this->clearUartBuffer();
 }
 
 template <class Base>

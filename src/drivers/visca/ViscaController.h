@@ -60,6 +60,7 @@ protected:
 
 private:
     int turn(std::span<const FramePattern> frames, const FramePattern& infraredBoardFrame);
+    void drain();
     int runExchange(const ExchangeRule& rule, const char* command, int length, int replyLength, char* reply);
 };
 
