@@ -4,6 +4,7 @@
 #include "host/ScopedLock.h"
 #include "host/SensorParameterParser.h"
 
+#include <algorithm>
 #include <cstdio>
 
 using sensorhost::ScopedLock;
@@ -35,7 +36,8 @@ int SensorConfigFile::readParametersFromFile(std::string& text) {
         std::printf("________read file(%s) failed\n", m_strFilePath.c_str());
         return 0;
     }
-    text.assign(contents.c_str());
+    contents.resize(std::min(contents.find('\0'), contents.size()));
+    text = contents;
     return 1;
 }
 

@@ -3,13 +3,43 @@
 #include "host/BRFile.h"
 #include "host/linux/XmlNesting.h"
 
+#include <algorithm>
+
 #include <tinyxml.h>
 
 namespace sensorhost {
 
 namespace {
-constexpr long long LENGTH_LIMIT = 1024LL * 1024;
+constexpr std::size_t LENGTH_LIMIT = 1024UL * 1024;
 constexpr int NESTING_LIMIT = 64;
+
+/// The parser copies bytes as UTF-8 says how long a character is, and so over quotes and brackets if they lie.
+bool isUtf8(const std::string& text) {
+    std::size_t following = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool isFollowing = (byte & 0xc0U) == 0x80U;
+        if (isFollowing != (following > 0))
+            return false;
+        if (isFollowing)
+            --following;
+        else if (byte >= 0xf8U)
+            return false;
+        else if (byte >= 0xc0U)
+            following = byte >= 0xf0U ? 3 : byte >= 0xe0U ? 2 : 1;
+    }
+    return following == 0;
+}
+
+/// Null for text that the parser, or a later reader of what was written, would not take.
+std::shared_ptr<TiXmlDocument> parseXml(const std::string& text) {
+    if (text.size() > LENGTH_LIMIT || !isUtf8(text) || !isNestingWithin(text, NESTING_LIMIT))
+        return nullptr;
+    auto document = std::make_shared<TiXmlDocument>();
+    document->Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
+    return document->Error() || document->RootElement() == nullptr ? nullptr : document;
+}
+
 } // namespace
 
 std::shared_ptr<TiXmlDocument> loadXml(const std::string& path) {
@@ -17,17 +47,13 @@ std::shared_ptr<TiXmlDocument> loadXml(const std::string& path) {
     if (file.open(path.c_str(), BRFile::Read) == 0)
         return nullptr;
     const long long length = file.getLength();
-    if (length < 0 || length > LENGTH_LIMIT)
+    if (length < 0 || length > static_cast<long long>(LENGTH_LIMIT))
         return nullptr;
     std::string text(static_cast<std::size_t>(length), '\0');
     if (file.read(text.data(), static_cast<int>(length)) != length)
         return nullptr;
     text.resize(std::min(text.find('\0'), text.size()));
-    if (!isNestingWithin(text, NESTING_LIMIT))
-        return nullptr;
-    auto document = std::make_shared<TiXmlDocument>();
-    document->Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
-    return document->Error() || document->RootElement() == nullptr ? nullptr : document;
+    return parseXml(text);
 }
 
 bool saveXml(const std::string& path, const TiXmlDocument& document) {
@@ -35,8 +61,9 @@ bool saveXml(const std::string& path, const TiXmlDocument& document) {
     document.Accept(&printer);
     const std::string& text = printer.Str();
     const auto length = static_cast<int>(text.size());
+    // What could not be read again must not replace what can.
     BRFile file;
-    return length <= LENGTH_LIMIT && file.open(path.c_str(), BRFile::Replace) != 0 &&
+    return parseXml(text) != nullptr && file.open(path.c_str(), BRFile::Replace) != 0 &&
            file.write(text.data(), length) == length;
 }
 
