@@ -64,7 +64,7 @@ ToolProcess::ToolProcess(const std::string& folder, const std::vector<std::strin
         ::dup2(output[1], STDOUT_FILENO);
         ::dup2(error[1], STDERR_FILENO);
         ::setenv("XDG_STATE_HOME", folder.c_str(), 1);
-        ::execv(pointers[0], pointers.data());
+        ::execvp(pointers[0], pointers.data());
         ::_exit(127);
     }
     ::close(input[0]);
