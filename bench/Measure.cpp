@@ -1,17 +1,16 @@
 #include "Measure.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-std::atomic<std::size_t> allocations{0};
+thread_local std::size_t allocations = 0;
 
 } // namespace
 
 void* operator new(std::size_t size) {
-    allocations.fetch_add(1, std::memory_order_relaxed);
+    ++allocations;
     if (void* memory = std::malloc(size == 0 ? 1 : size))
         return memory;
     throw std::bad_alloc();

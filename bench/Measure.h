@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-/// Heap allocations of the whole process so far.
+/// Heap allocations of the calling thread so far; the simulated block on its own thread does not count.
 std::size_t allocationCount();
 
 /// The median of `rounds` ratios of two pieces of work, done in turn: what a shared machine does to one round it does
