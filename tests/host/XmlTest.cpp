@@ -144,6 +144,18 @@ std::string nested(int depth, const std::string& between = "") {
     return text;
 }
 
+template <class Part>
+std::string repeated(int count, Part part) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += part(i);
+    return text;
+}
+
+std::string unclosed(int depth, const std::string& between) {
+    return repeated(depth, [&](int) { return "<a>" + between; });
+}
+
 TEST(XmlConfigureTool, refusesBrokenFiles) {
     const TemporaryRoot root;
     const std::vector<std::pair<const char*, std::string>> files{
@@ -164,6 +176,9 @@ TEST(XmlConfigureTool, refusesBrokenFiles) {
         {"deep, hidden by character data", nested(50'000, "<![CDATA[</a>]]>")},
         {"deep, hidden by declarations", nested(50'000, "<?xml version=\"></a>\"?>")},
         {"deep, hidden by unknown tags", nested(50'000, "<!x \"></a>\">")},
+        {"deep, hidden by character references", unclosed(50'000, "&#x</a>x41;")},
+        {"too many attributes", "<a " + repeated(1025, [](int i) { return 'b' + std::to_string(i) + "='' "; }) + "/>"},
+        {"too many elements", "<a>" + repeated(32'768, [](int) { return "<b/>"; }) + "</a>"},
         {"long", "<a>" + std::string(1024 * 1024, ' ') + "</a>"},
     };
     for (const auto& [name, text] : files) {
@@ -229,35 +244,35 @@ std::string idsOf(const std::vector<ModuleConfigure>& modules) {
 }
 
 TEST(Samples, theModuleListAndItsSelectors) {
-    const std::string file = std::string(SENSORCONTROL_SOURCE_DIR) + "/docs/samples/moduleConfig.xml";
+    const std::string file = std::string(SENSORCONTROL_SOURCE_DIR) + "/docs/samples/moduleConfig/moduleConfig.xml";
     const auto select = [&](const char* product, const char* board) {
         std::vector<ModuleConfigure> modules;
         EXPECT_NE(ModuleConfigureParser::parse(file, product, board, modules), 0);
         return idsOf(modules);
     };
-    EXPECT_EQ(select("", ""), "16 2 5 ");
-    EXPECT_EQ(select("dome", ""), "16 2 ");
-    EXPECT_EQ(select("dome", "B2"), "2 ");
-    EXPECT_EQ(select("bullet", "B2"), "5 ");
-    EXPECT_EQ(select("", "A1"), "16 5 ");
-    EXPECT_EQ(select("box", "A1"), "");
+    EXPECT_EQ(select("", ""), "16 16 4 6 ");
+    EXPECT_EQ(select("dome", ""), "16 16 ");
+    EXPECT_EQ(select("bullet", "B2"), "4 ");
+    EXPECT_EQ(select("", "A1"), "16 4 6 ");
+    EXPECT_EQ(select("turret", "A1"), "");
     std::vector<ModuleConfigure> modules(1);
-    ASSERT_NE(ModuleConfigureParser::parse(file, "dome", "A1", modules), 0);
+    ASSERT_NE(ModuleConfigureParser::parse(file, "dome", "A2", modules), 0);
     ASSERT_EQ(modules.size(), 2U);
-    EXPECT_EQ(modules[1].getDetail(), "RS485=/dev/ttyS1;isInfrared=0;generation=2;GPIO=0,12,1");
-    EXPECT_EQ(modules[1].getParameters(), "RS485=9600,8,1,0;GUIConfig=zoom.xml;Prefix=zoom");
+    EXPECT_EQ(modules[1].getDetail(), "RS485=/dev/ttyS1;isInfrared=1;generation=3;GPIO=0,12,1");
+    EXPECT_EQ(modules[1].getParameters(), "RS485=9600,8,1,0;GUIConfig=cameraGui.xml;Prefix=camera");
     EXPECT_EQ(ModuleConfigureParser::parse("/missing.xml", "", "", modules), 0);
     EXPECT_EQ(modules.size(), 2U);
 }
 
 TEST(Samples, theLanguageListAndEntriesThatLackSomething) {
     std::vector<SensorLanguageConfig> languages;
-    ASSERT_NE(SensorLanguageConfigParser::parse(
-                  std::string(SENSORCONTROL_SOURCE_DIR) + "/docs/samples/SensorLanguageConfig.xml", languages),
+    ASSERT_NE(SensorLanguageConfigParser::parse(std::string(SENSORCONTROL_SOURCE_DIR) +
+                                                    "/docs/samples/moduleConfig/sensorConfig/SensorLanguageConfig.xml",
+                                                languages),
               0);
-    ASSERT_EQ(languages.size(), 3U);
-    EXPECT_EQ(languages[1].getLanguageId(), 1);
-    EXPECT_EQ(languages[1].getFolderName(), "english");
+    ASSERT_EQ(languages.size(), 2U);
+    EXPECT_EQ(languages[1].getLanguageId(), 2);
+    EXPECT_EQ(languages[1].getFolderName(), "german");
 
     const TemporaryRoot root;
     root.write("/l.xml", "<l><language id='x' folder='a'/><language id='2'/><other id='3' folder='b'/>"

@@ -1,7 +1,7 @@
 #include "host/linux/XmlFile.h"
 
 #include "host/BRFile.h"
-#include "host/linux/XmlNesting.h"
+#include "host/xml/XmlShape.h"
 
 #include <algorithm>
 
@@ -10,8 +10,6 @@
 namespace sensorhost {
 
 namespace {
-constexpr std::size_t LENGTH_LIMIT = 1024UL * 1024;
-constexpr int NESTING_LIMIT = 64;
 
 /// The parser copies bytes as UTF-8 says how long a character is, and so over quotes and brackets if they lie.
 bool isUtf8(const std::string& text) {
@@ -33,7 +31,10 @@ bool isUtf8(const std::string& text) {
 
 /// Null for text that the parser, or a later reader of what was written, would not take.
 std::shared_ptr<TiXmlDocument> parseXml(const std::string& text) {
-    if (text.size() > LENGTH_LIMIT || !isUtf8(text) || !isNestingWithin(text, NESTING_LIMIT))
+    if (text.size() > XmlShape::LengthLimit || !isUtf8(text))
+        return nullptr;
+    const XmlShape shape = XmlShape::of(text, true);
+    if (!shape.isWhole || !shape.isWithinLimits())
         return nullptr;
     auto document = std::make_shared<TiXmlDocument>();
     document->Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
@@ -47,7 +48,7 @@ std::shared_ptr<TiXmlDocument> loadXml(const std::string& path) {
     if (file.open(path.c_str(), BRFile::Read) == 0)
         return nullptr;
     const long long length = file.getLength();
-    if (length < 0 || length > static_cast<long long>(LENGTH_LIMIT))
+    if (length < 0 || length > static_cast<long long>(XmlShape::LengthLimit))
         return nullptr;
     std::string text(static_cast<std::size_t>(length), '\0');
     if (file.read(text.data(), static_cast<int>(length)) != length)

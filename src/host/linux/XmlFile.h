@@ -7,8 +7,8 @@ class TiXmlDocument;
 
 namespace sensorhost {
 
-/// The document of an XML file of the device, null if there is none: a missing or unreadable file, one that is longer
-/// than 1 MiB or nested deeper than 64 elements, malformed text, no root. A text ends at its first zero byte.
+/// The document of an XML file of the device, null if there is none: a missing or unreadable file, one beyond the
+/// limits of XmlShape, malformed text, no root. A text ends at its first zero byte.
 std::shared_ptr<TiXmlDocument> loadXml(const std::string& path);
 
 /// Writes the document. False if the file cannot be written: then the old one stands.

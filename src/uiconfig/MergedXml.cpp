@@ -1,0 +1,289 @@
+#include "uiconfig/MergedXml.h"
+
+#include "host/ModuleParameterParser.h"
+#include "host/xml/XmlShape.h"
+#include "uiconfig/FileText.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+#include <utility>
+
+using sensorcontrol::FileText;
+using sensorcontrol::MergeReport;
+using sensorhost::XmlShape;
+
+namespace {
+
+/// What the device's 32-bit long makes of it, on every machine.
+std::optional<int> keyOf(const TiXmlElement& element) {
+    const TiXmlAttribute* const first = element.FirstAttribute();
+    if (first == nullptr)
+        return std::nullopt;
+    const long number = std::strtol(first->ValueStr().c_str(), nullptr, 10);
+    return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
+}
+
+/// What stands between the commas, untrimmed; a comma at the end has nothing behind it.
+std::set<std::string> tokensOf(const std::string& text) {
+    std::set<std::string> tokens;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find(',', start), text.size());
+        tokens.insert(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return tokens;
+}
+
+bool readDocument(const std::string& path, std::string& text) {
+    FileText file = sensorcontrol::readFileText(path, static_cast<long long>(XmlShape::LengthLimit));
+    if (file.result == FileText::Result::NotOpened)
+        std::puts("mergeStyleXml file open failed ");
+    if (file.result != FileText::Result::Done)
+        return false;
+    if (!XmlShape::of(file.text, false).isWithinLimits()) {
+        std::printf("%s is refused: more than %d elements within each other, %d nodes or %d attributes of an element\n",
+                    path.c_str(), XmlShape::DepthLimit, XmlShape::NodeLimit, XmlShape::AttributeLimit);
+        return false;
+    }
+    text = std::move(file.text);
+    text.resize(std::min(text.find('\0'), text.size()));
+    text.append(XmlShape::ParserOverrun, '\0');
+    return true;
+}
+
+void parseInto(TiXmlDocument& document, const std::string& text) {
+    // Without a tab size nothing counts lines, which some releases of the parser never finish on a cut character.
+    document.SetTabSize(0);
+    document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+}
+
+std::string printed(const TiXmlDocument& document) {
+    TiXmlPrinter printer;
+    document.Accept(&printer);
+    return printer.Str();
+}
+
+} // namespace
+
+/// The module's keys. The text is one and the same for every condition, so it is parsed once, by the first that asks.
+class MergedXml::ModuleDetail {
+public:
+    explicit ModuleDetail(std::string text) : m_strText(std::move(text)) {}
+
+    bool parse() {
+        if (!m_bParsed)
+            m_bValid = m_Parser.parse(m_strText) != 0;
+        m_bParsed = true;
+        return m_bValid;
+    }
+
+    std::optional<std::string> valueOf(const std::string& key) const {
+        std::string value;
+        return m_Parser.getValue(key, value) != 0 ? std::optional(std::move(value)) : std::nullopt;
+    }
+
+private:
+    std::string m_strText;
+    ModuleParameterParser m_Parser;
+    bool m_bParsed = false;
+    bool m_bValid = false;
+};
+
+MergedXml::MergedXml() = default;
+
+MergedXml::~MergedXml() = default;
+
+int MergedXml::setStyleOriginalPath(std::string path) {
+    m_strStyleOriginalPath = std::move(path);
+    return 1;
+}
+
+int MergedXml::setStyleModifyPath(std::string path) {
+    m_strStyleModifyPath = std::move(path);
+    return 1;
+}
+
+int MergedXml::getStyleMergedString(std::string detail, std::string& text) {
+    if (!mergeStyleXml(std::move(detail))) {
+        std::puts("mergeStyleXml failed");
+        return 0;
+    }
+    text = printed(m_StyleOriginal);
+    return 1;
+}
+
+int MergedXml::mergeStyleXml(std::string detail) {
+    if (m_strStyleModifyPath.empty() || m_strStyleOriginalPath.empty()) {
+        std::puts("m_strStyleModifyPath or m_strStyleOriginalPath is NULL,Please set path first");
+        return 0;
+    }
+    std::string original;
+    std::string modify;
+    if (!readDocument(m_strStyleOriginalPath, original) || !readDocument(m_strStyleModifyPath, modify))
+        return 0;
+    parseInto(m_StyleOriginal, original);
+    parseInto(m_StyleModify, modify);
+
+    ModuleDetail module(std::move(detail));
+    const TiXmlElement* block = m_StyleModify.FirstChildElement();
+    for (; block != nullptr; block = block->NextSiblingElement()) {
+        bool applies = false;
+        if (m_pReport != nullptr)
+            m_pReport->blocks.push_back({.name = block->ValueStr()});
+        if (!evaluate(*block, module, applies))
+            return 0;
+        if (m_pReport != nullptr)
+            m_pReport->blocks.back().applies = applies;
+        if (applies && !apply(*block))
+            return 0;
+    }
+    return 1;
+}
+
+int MergedXml::evaluate(const TiXmlElement& block, ModuleDetail& detail, bool& applies) {
+    applies = block.FirstAttribute() != nullptr;
+    for (const TiXmlAttribute* condition = block.FirstAttribute(); condition != nullptr && applies;
+         condition = condition->Next()) {
+        if (!detail.parse()) {
+            std::puts("parse detail failed");
+            return 0;
+        }
+        const std::optional<std::string> found = detail.valueOf(condition->Name());
+        applies = found && tokensOf(condition->ValueStr()).count(*found) != 0;
+        if (m_pReport != nullptr)
+            m_pReport->blocks.back().conditions.push_back(
+                {.key = condition->Name(), .accepted = condition->ValueStr(), .found = found, .holds = applies});
+    }
+    return 1;
+}
+
+int MergedXml::apply(const TiXmlElement& block) {
+    const TiXmlElement* directive = block.FirstChildElement();
+    for (; directive != nullptr; directive = directive->NextSiblingElement()) {
+        const std::string& name = directive->ValueStr();
+        if (name == "Delete")
+            deleteTabs(*directive);
+        else if ((name == "AddAfter" && !addAfter(*directive)) || (name == "AddBefore" && !addBefore(*directive)))
+            return 0;
+    }
+    return 1;
+}
+
+void MergedXml::deleteTabs(const TiXmlElement& directive) {
+    const TiXmlElement* entry = directive.FirstChildElement();
+    for (; entry != nullptr; entry = entry->NextSiblingElement()) {
+        const std::optional<int> key = keyOf(*entry);
+        const int tabs = key ? removeTabs(*key) : 0;
+        report({.kind = MergeReport::EditKind::Delete, .key = key, .tabs = tabs, .isDone = true});
+    }
+}
+
+int MergedXml::deleteTabNode(int key) {
+    removeTabs(key);
+    return 1;
+}
+
+int MergedXml::removeTabs(int key) {
+    TiXmlElement* const root = m_StyleOriginal.FirstChildElement();
+    TiXmlElement* tab = root != nullptr ? root->FirstChildElement() : nullptr;
+    int count = 0;
+    while (tab != nullptr) {
+        TiXmlElement* const next = tab->NextSiblingElement();
+        if (keyOf(*tab) == key) {
+            tab->Clear();
+            root->RemoveChild(tab);
+            ++count;
+        }
+        tab = next;
+    }
+    return count;
+}
+
+// Each new tab is placed behind the tab that has the key of the one before it. So if a key is there twice, what
+// follows goes behind its first tab, wherever that is.
+int MergedXml::addAfter(const TiXmlElement& directive) {
+    constexpr auto kind = MergeReport::EditKind::AddAfter;
+    const TiXmlElement* anchor = directive.FirstChildElement();
+    for (; anchor != nullptr; anchor = anchor->NextSiblingElement()) {
+        const TiXmlElement* predecessor = anchor;
+        TiXmlNode* last = nullptr;
+        const TiXmlElement* tab = anchor->FirstChildElement();
+        for (; tab != nullptr; tab = tab->NextSiblingElement()) {
+            // A new tab without a key cannot be found again: the next one goes behind its copy.
+            TiXmlNode* const found = keyOf(*predecessor) || last == nullptr ? findAnchor(*predecessor) : last;
+            if (found == nullptr)
+                return failAt(kind, *predecessor);
+            last = m_StyleOriginal.FirstChildElement()->InsertAfterChild(found, *tab);
+            report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*predecessor), .tabs = 1, .isDone = true});
+            predecessor = tab;
+        }
+    }
+    return 1;
+}
+
+int MergedXml::addBefore(const TiXmlElement& directive) {
+    constexpr auto kind = MergeReport::EditKind::AddBefore;
+    const TiXmlElement* anchor = directive.FirstChildElement();
+    for (; anchor != nullptr; anchor = anchor->NextSiblingElement()) {
+        TiXmlNode* const found = findAnchor(*anchor);
+        if (found == nullptr)
+            return failAt(kind, *anchor);
+        const TiXmlElement* tab = anchor->FirstChildElement();
+        for (; tab != nullptr; tab = tab->NextSiblingElement()) {
+            m_StyleOriginal.FirstChildElement()->InsertBeforeChild(found, *tab);
+            report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*anchor), .tabs = 1, .isDone = true});
+        }
+    }
+    return 1;
+}
+
+TiXmlNode* MergedXml::findAnchor(const TiXmlElement& anchor) {
+    TiXmlNode* result = nullptr;
+    if (const std::optional<int> key = keyOf(anchor))
+        findNodeByKey(*key, m_StyleOriginal.FirstChildElement(), result);
+    return result;
+}
+
+int MergedXml::findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result) const {
+    TiXmlElement* child = parent != nullptr ? parent->FirstChildElement() : nullptr;
+    for (; child != nullptr; child = child->NextSiblingElement()) {
+        if (keyOf(*child) == key) {
+            result = child;
+            return 1;
+        }
+    }
+    return 0;
+}
+
+void MergedXml::report(const MergeReport::Edit& edit) {
+    if (m_pReport != nullptr)
+        m_pReport->blocks.back().edits.push_back(edit);
+}
+
+int MergedXml::failAt(MergeReport::EditKind kind, const TiXmlElement& anchor) {
+    std::printf("can't find tab by key(%d)\n", keyOf(anchor).value_or(0));
+    report({.kind = kind, .anchor = keyOf(anchor)});
+    return 0;
+}
+
+int MergedXml::setLangOriginalPath(std::string path) {
+    m_strLangOriginalPath = std::move(path);
+    return 1;
+}
+
+int MergedXml::setLangModifyPath(std::string path) {
+    m_strLangModifyPath = std::move(path);
+    return 1;
+}
+
+int MergedXml::mergeLangXml(std::string /*detail*/) { return 1; }
+
+int MergedXml::getLangMergedString(std::string detail, std::string& text) {
+    if (!mergeLangXml(std::move(detail)))
+        return 0;
+    text = printed(m_LangOriginal);
+    return 1;
+}
