@@ -113,16 +113,18 @@ int ISensorController::init(int videoSystem, const ModuleConfigure& configure, c
     if (!initConfigFile())
         InitPrintf("initConfigFile failed");
 
+    // The values are the clock's, the choice stays as it was saved: in automatic mode the first pass of the thread
+    // corrects it. So the span of the choice stays too, or the next flush would write another one's into its file.
     int scheme = 0;
     std::string text;
-    // The span in the text belongs to the scheme that the clock selects. The choice itself stays as it was saved: the
-    // first pass of the thread corrects it, in automatic mode.
-    const int savedScheme = m_nParamScheme;
-    if (readCurrentParam(scheme, text))
-        m_nParamScheme = scheme;
+    readCurrentParam(scheme, text);
+    if (scheme != m_nParamScheme) {
+        if (m_nParamMode == 0)
+            InitPrintf("parameter scheme %d is chosen, the clock applies %d", m_nParamScheme.load(), scheme);
+        keepSpanInForce(text);
+    }
     if (!setParameters(text))
         InitPrintf("setParameters failed");
-    m_nParamScheme = savedScheme;
     if (!NotifySensorInitComplate())
         InitPrintf("NotifySensorInitComplate failed");
     if (!m_DNChangeThread->start())
@@ -162,18 +164,10 @@ int ISensorController::checkSensorConfigVersion() {
 }
 
 int ISensorController::initConfigFile() {
-    if (hasSchemeChoice()) {
-        int scheme = m_nParamScheme;
-        int mode = m_nParamMode;
-        const int hasScheme = getParamSchemeFromFile(scheme);
-        const int hasMode = getParamSchemeModeFromFile(mode);
-        if (!hasScheme || !hasMode)
-            InitPrintf("%s is unreadable or broken", paths::SchemeChoiceFile);
-        m_nParamScheme = scheme;
-        m_nParamMode = mode;
-    } else {
+    if (hasSchemeChoice())
+        readSchemeChoice();
+    else
         createSensorXML();
-    }
 
     std::string all;
     if (!m_pFactoryConfigFile->isExist()) {
@@ -218,16 +212,16 @@ int ISensorController::initSchemeFiles(const std::string& all) {
             alignFile(first, all);
         } else {
             std::printf("%s not exit\n", paths::OldParameterFile);
-            copyFactoryFile(first);
+            copyFactoryFile(first.getFilePath());
         }
     }
 
     for (std::size_t i = 1; i < m_ConfigFiles.size(); ++i) {
         SensorConfigFile& file = *m_ConfigFiles[i];
-        if (!file.isExist()) {
-            copyFactoryFile(file);
-            file.modifyParameter(500, 0); // a new scheme starts disabled
-        }
+        std::map<int, int> stored;
+        const bool isEmpty = file.readParametersFromFile(stored) && stored.empty();
+        if (!file.isExist() || isEmpty)
+            createDisabledScheme(file);
         alignFile(file, all);
     }
     loadSchemes();
@@ -239,29 +233,30 @@ void ISensorController::alignFile(SensorConfigFile& file, const std::string& all
         InitPrintf("%s is unreadable, broken or read-only", file.getFilePath().c_str());
 }
 
-void ISensorController::copyFactoryFile(const SensorConfigFile& file) {
-    const std::string command = std::string("cp ") + paths::FactoryFile + " " + file.getFilePath();
+void ISensorController::copyFactoryFile(const std::string& path) {
+    const std::string command = std::string("cp ") + paths::FactoryFile + " " + path;
     runShell(command);
     std::puts(command.c_str());
 }
 
+void ISensorController::createDisabledScheme(const SensorConfigFile& file) {
+    // A power cut between the copy and its change must not leave a scheme that takes part: the file gets its name last.
+    SensorConfigFile draft(file.getFilePath() + ".new");
+    draft.setVersion(m_nSensorConfigVersion);
+    draft.setVersion2(m_nSensorConfigVersion2);
+    copyFactoryFile(draft.getFilePath());
+    draft.modifyParameter(500, 0);
+    runShell("mv " + draft.getFilePath() + " " + file.getFilePath());
+}
+
 void ISensorController::loadSchemes() {
     for (std::size_t i = 0; i < m_ConfigFiles.size(); ++i) {
-        SensorConfigFile& file = *m_ConfigFiles[i];
-        int startHour = 0;
-        int startMinute = 0;
-        int endHour = 0;
-        int endMinute = 0;
-        int flag = 0;
-        file.readParameterById(501, startHour);
-        file.readParameterById(502, startMinute);
-        file.readParameterById(503, endHour);
-        file.readParameterById(504, endMinute);
-        file.readParameterById(500, flag);
+        std::map<int, int> stored;
+        m_ConfigFiles[i]->readParametersFromFile(stored);
         const int scheme = static_cast<int>(i);
-        setParamSchemeStartTime(scheme, startHour * 100 + startMinute * 10);
-        setParamSchemeEndTime(scheme, endHour * 100 + endMinute * 10);
-        setParamSchemeEnableFlag(scheme, flag);
+        setParamSchemeStartTime(scheme, stored[501] * 100 + stored[502] * 10);
+        setParamSchemeEndTime(scheme, stored[503] * 100 + stored[504] * 10);
+        setParamSchemeEnableFlag(scheme, stored[500]);
     }
 }
 

@@ -2,6 +2,13 @@
 
 #include <atomic>
 
+/// What a ParamScheme holds at a moment.
+struct SchemeSpan {
+    int flag = 0;
+    int start = 0;
+    int end = 0;
+};
+
 /// The daily span of a parameter scheme and whether it takes part in the choice by the clock. Any thread may call it.
 class ParamScheme {
 public:
@@ -13,6 +20,13 @@ public:
     /// Non-zero: the scheme takes part.
     void setEnableFlag(int flag) { m_nEnableFlag = flag; }
     void getEnableFlag(int& flag) const { flag = m_nEnableFlag; }
+
+    SchemeSpan getSpan() const { return {m_nEnableFlag, m_nStartTime, m_nEndTime}; }
+    void setSpan(const SchemeSpan& span) {
+        m_nEnableFlag = span.flag;
+        m_nStartTime = span.start;
+        m_nEndTime = span.end;
+    }
 
 private:
     std::atomic<int> m_nStartTime{0};

@@ -140,6 +140,8 @@ void ISensorController::UpdateParametersIdValue(std::string& text, int id, int v
 }
 
 int ISensorController::flush() {
+    // In the midst of a switch the cache holds the values of two schemes.
+    ScopedLock lock(m_ParamMutex);
     std::set<int> commonIds;
     std::set<int> especialIds;
     if (!m_pIdManager->getCommonIdList(commonIds) || !m_pIdManager->getEspecialIdList(especialIds))
@@ -174,12 +176,12 @@ int ISensorController::flush() {
 }
 
 int ISensorController::loadCurrentCache(const std::string& text) {
-    ScopedLock lock(m_ParamMutex);
     m_pCurrentCache->clear();
     return m_pCurrentCache->setSensorValues(text);
 }
 
 int ISensorController::resetParameters() {
+    ScopedLock lock(m_ParamMutex);
     m_bisReset = true;
     std::string text;
     if (!m_pFactoryConfigFile->readParametersFromFile(text) || !loadCurrentCache(text)) {
@@ -192,17 +194,20 @@ int ISensorController::resetParameters() {
         ErrorPrintf("setParameters @resetParameters failed");
         return 0;
     }
-    for (std::size_t i = 0; i < m_ConfigFiles.size(); ++i) {
-        m_ConfigFiles[i]->saveParametersToFile(text);
-        if (i > 0)
-            m_ConfigFiles[i]->modifyParameter(500, 0);
-    }
+    // Disabled in the one write: a power cut after a first one would leave every scheme enabled.
+    std::map<int, int> disabled;
+    SensorParameterParser::parseSensorParameter(text, disabled);
+    if (const auto flag = disabled.find(500); flag != disabled.end())
+        flag->second = 0;
+    for (std::size_t i = 0; i < m_ConfigFiles.size(); ++i)
+        i == 0 ? m_ConfigFiles[i]->saveParametersToFile(text) : m_ConfigFiles[i]->saveParametersToFile(disabled);
     m_bisReset = false;
     std::puts("resetParameters success");
     return 1;
 }
 
 int ISensorController::resetToLastParameters() {
+    ScopedLock lock(m_ParamMutex);
     m_bisReset = true;
     std::string text;
     if (!readParamByScheme(m_nParamScheme, text) || !loadCurrentCache(text)) {

@@ -4,6 +4,7 @@
 #include "controller/ISensorController.h"
 #include "host/BRFile.h"
 #include "host/ScopedLock.h"
+#include "host/SensorParameterParser.h"
 #include "host/XmlConfigureTool.h"
 
 #include <charconv>
@@ -51,6 +52,12 @@ int readNumber(const std::string& text, int& number) {
         return 0;
     number = value;
     return 1;
+}
+
+/// Whether the text holds parameters at all: one that does not would be applied without a fault, and change nothing.
+bool isParameterSet(const std::string& text) {
+    std::map<int, int> values;
+    return SensorParameterParser::parseSensorParameter(text, values) && !values.empty();
 }
 
 } // namespace
@@ -128,11 +135,15 @@ int ISensorController::getParamSchemeNum(int& count) {
 
 int ISensorController::initParamSchemeList() {
     int count = 0;
-    if (!getParamSchemeNum(count))
+    if (!getParamSchemeNum(count)) {
+        InitPrintf("no parameter schemes: sensorAbility.xml does not tell how many");
         return 0;
+    }
     for (int i = 1; i <= count; ++i) {
-        if (i > MostSchemes)
+        if (i > MostSchemes) {
+            InitPrintf("sensorAbility.xml asks for %d parameter schemes, %d is the limit", count, MostSchemes);
             return 0;
+        }
         m_ConfigFiles.push_back(
             std::make_unique<SensorConfigFile>(paths::SchemeFilePrefix + std::to_string(i) + ".cfg"));
         m_ParamSchemes.push_back(std::make_unique<ParamScheme>());
@@ -147,9 +158,9 @@ bool ISensorController::hasSchemeChoice() {
     return BRFile::isExist(paths::SchemeChoiceFile) && !isEmpty;
 }
 
-int ISensorController::createSensorXML() {
-    if (hasSchemeChoice())
-        return 1;
+int ISensorController::createSensorXML() { return hasSchemeChoice() ? 1 : writeSchemeChoice(); }
+
+int ISensorController::writeSchemeChoice() {
     XmlConfigureTool tool;
     if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::Create)) {
         std::printf("open %s failed\n", paths::SchemeChoiceFile);
@@ -163,6 +174,26 @@ int ISensorController::createSensorXML() {
     if (!tool.close())
         std::printf("%s can not be written\n", paths::SchemeChoiceFile);
     return 1;
+}
+
+void ISensorController::readSchemeChoice() {
+    XmlConfigureTool tool;
+    if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::ReadOnly)) {
+        // It has nothing to keep, and as it is every later choice would be refused.
+        InitPrintf("%s is broken, made anew", paths::SchemeChoiceFile);
+        writeSchemeChoice();
+        return;
+    }
+    int scheme = m_nParamScheme;
+    int mode = m_nParamMode;
+    const int hasScheme = getParamSchemeFromFile(scheme);
+    const int hasMode = getParamSchemeModeFromFile(mode);
+    if (!hasScheme || !hasMode)
+        InitPrintf("%s lacks %s", paths::SchemeChoiceFile, hasScheme ? SchemeModeItem : SchemeIndexItem);
+    if (schemeFile(scheme) == nullptr)
+        InitPrintf("%s: no parameter scheme %d", paths::SchemeChoiceFile, scheme);
+    m_nParamScheme = scheme;
+    m_nParamMode = mode;
 }
 
 int ISensorController::setValueToParamSchemeNode(const std::string& name, const std::string& value) {
@@ -215,6 +246,7 @@ int ISensorController::getParamSchemeModeFromFile(int& mode) {
 
 int ISensorController::setParamMode(int mode) {
     std::printf("ISensorController::setParamMode:%d\n", mode);
+    ScopedLock lock(m_ParamMutex); // no automatic switch is under way when the host has taken over
     if (!setParamSchemeModeToFile(mode)) {
         ErrorPrintf("setParamSchemeModeToFile @setParamMode failed");
         return 0;
@@ -231,10 +263,12 @@ int ISensorController::getParamMode(int& mode) {
 
 int ISensorController::setParamScheme(int scheme) {
     std::printf("#########ISensorController::setParamScheme %d\n", scheme);
+    ScopedLock lock(m_ParamMutex);
     const int old = m_nParamScheme;
+    const SchemeSpan span = spanOf(scheme);
     m_nParamScheme = scheme; // before the text arrives: its span belongs to the new scheme
     if (!switchParam(scheme)) {
-        m_nParamScheme = old;
+        undoSwitch(scheme, span, old);
         return 0;
     }
     setParamSchemeToFile(scheme);
@@ -258,6 +292,11 @@ int ISensorController::switchParam(int scheme) {
         ErrorPrintf("switchParam failed: parameter scheme %d can not be read", scheme);
         return 0;
     }
+    if (!isParameterSet(text)) {
+        ErrorPrintf("switchParam failed: the file of parameter scheme %d is broken", scheme);
+        return 0;
+    }
+    ScopedLock lock(m_ParamMutex);
     reInitSchemeTimeMember();
     std::printf("switch param(p_Scheme=%d):\n %s\n", scheme, text.c_str());
     if (!setParameters(text)) {
@@ -276,13 +315,8 @@ int ISensorController::readCurrentParam(int& scheme, std::string& text) {
     const BRDeviceTime clock = BRDeviceTime::getCurrentTime();
     const int now = clock.getHour() * 100 + clock.getMinute();
     for (std::size_t i = 0; i < m_ParamSchemes.size(); ++i) {
-        int flag = 0;
-        int start = 0;
-        int end = 0;
-        m_ParamSchemes[i]->getEnableFlag(flag);
-        m_ParamSchemes[i]->getStartTime(start);
-        m_ParamSchemes[i]->getEndTime(end);
-        if (flag != 0 && start <= now && now <= end) {
+        const SchemeSpan span = m_ParamSchemes[i]->getSpan();
+        if (span.flag != 0 && span.start <= now && now <= span.end) {
             m_ConfigFiles[i]->readParametersFromFile(text);
             scheme = static_cast<int>(i);
             return 1;
@@ -293,29 +327,79 @@ int ISensorController::readCurrentParam(int& scheme, std::string& text) {
     return 0;
 }
 
-int ISensorController::paramSchemeSwitchBody() {
+/// 1 if the clock selects another scheme than the one in force; -1 if it selects none.
+int ISensorController::findDueScheme(int& scheme, std::string& text) {
     if (m_nParamMode == 0)
         return 0;
-    int scheme = 0;
-    std::string text;
     if (!readCurrentParam(scheme, text)) {
         std::puts("readCurrentParam failed");
         return -1;
     }
-    if (scheme == m_nParamScheme)
-        return 0;
-    reInitSchemeTimeMember();
+    return scheme != m_nParamScheme ? 1 : 0;
+}
+
+int ISensorController::paramSchemeSwitchBody() {
+    int scheme = 0;
+    std::string text;
+    int due = findDueScheme(scheme, text);
+    if (due != 1)
+        return due;
+    // The host may have been changing the mode, the choice or a span: what it left counts. Only a switch waits for the
+    // lock, because a host's set can hold it for the whole restart of a module.
+    ScopedLock lock(m_ParamMutex);
+    due = findDueScheme(scheme, text);
+    if (due != 1)
+        return due;
     const int old = m_nParamScheme;
+    const SchemeSpan span = spanOf(scheme);
+    reInitSchemeTimeMember();
     m_nParamScheme = scheme;
-    if (!setParameters(text)) {
+    if (!isParameterSet(text) || !setParameters(text)) {
         ErrorPrintf("setParameters failed @paramSchemeSwitchBody");
-        m_nParamScheme = old;
+        undoSwitch(scheme, span, old);
         return -1;
     }
     setParamSchemeToFile(scheme);
     std::printf("Auto switch param to:%s\n", text.c_str());
     ErrorPrintf("Auto switch  Scheme to:%d", scheme);
     return 0;
+}
+
+SchemeSpan ISensorController::spanOf(int scheme) const {
+    const ParamScheme* record = schemeRecord(scheme);
+    return record != nullptr ? record->getSpan() : SchemeSpan{};
+}
+
+/// After a switch that failed: the record of the scheme gets back the span it had, and the one before is in force again
+/// with its span, which the next flush writes.
+void ISensorController::undoSwitch(int scheme, const SchemeSpan& span, int schemeBefore) {
+    if (ParamScheme* record = schemeRecord(scheme))
+        record->setSpan(span);
+    m_nParamScheme = schemeBefore;
+    if (schemeRecord(schemeBefore) == nullptr)
+        return;
+    const SchemeSpan before = spanOf(schemeBefore);
+    m_nParamSchemeStartTime = before.start;
+    m_nParamSchemeEndTime = before.end;
+    m_pLastCache->setSensorValue(500, before.flag);
+    m_pLastCache->setSensorValue(501, before.start / 100);
+    m_pLastCache->setSensorValue(502, before.start % 100 / 10);
+    m_pLastCache->setSensorValue(503, before.end / 100);
+    m_pLastCache->setSensorValue(504, before.end % 100 / 10);
+}
+
+/// The values of another scheme, or of the factory, with the span and flag that the scheme in force has in its file.
+void ISensorController::keepSpanInForce(std::string& text) const {
+    std::map<int, int> values;
+    std::map<int, int> own;
+    SensorConfigFile* file = schemeFile(m_nParamScheme);
+    if (file == nullptr || !file->readParametersFromFile(own) ||
+        !SensorParameterParser::parseSensorParameter(text, values))
+        return;
+    for (int id = 500; id <= 504; ++id)
+        if (const auto found = own.find(id); found != own.end())
+            values[id] = found->second;
+    text = SensorParameterParser::createSensorParameterString(values);
 }
 
 void ISensorController::reInitSchemeTimeMember() {

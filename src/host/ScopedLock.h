@@ -4,10 +4,11 @@
 
 namespace sensorhost {
 
-/// Holds a BRMutex for a scope.
+/// Holds a BRMutex, or what locks like one, for a scope.
+template <class Mutex = BRMutex>
 class [[nodiscard]] ScopedLock {
 public:
-    explicit ScopedLock(BRMutex& mutex, const char* file = __builtin_FILE(), int line = __builtin_LINE())
+    explicit ScopedLock(Mutex& mutex, const char* file = __builtin_FILE(), int line = __builtin_LINE())
         : m_Mutex(mutex) {
         m_Mutex.Lock(file, line);
     }
@@ -16,7 +17,7 @@ public:
     ScopedLock& operator=(const ScopedLock&) = delete;
 
 private:
-    BRMutex& m_Mutex;
+    Mutex& m_Mutex;
 };
 
 } // namespace sensorhost

@@ -210,22 +210,31 @@ TEST_F(LifeCycle, BrokenFilesAreToldAndHealed) {
         EXPECT_EQ(c().resetParameters(), 1);
         EXPECT_THAT(file("sensor2.cfg"), HasSubstr("(500,0)"));
     }
-    for (const char* xml : {"<sensor><paramScheme><item name=\"SchemeIn", "<sensor/>", "\xff\xfe"}) {
+    struct Choice {
+        const char* xml;
+        const char* said;
+        int modeResult; ///< of a change of mode afterwards
+    };
+    for (const Choice& one : std::initializer_list<Choice>{
+             {"<sensor><paramScheme><item name=\"SchemeIn", "sensor.xml is broken, made anew", 1},
+             {"\xff\xfe", "sensor.xml is broken, made anew", 1},
+             {"", "", 1}, // cut off in the moment of its creation
+             {"<sensor/>", "sensor.xml lacks SchemeIndex", 0},
+             {"<sensor><paramScheme><item name=\"SchemeIndex\" value=\"7\"/></paramScheme></sensor>",
+              "sensor.xml: no parameter scheme 7", 0}}) {
+        SCOPED_TRACE(one.xml);
         create();
-        writeFile("sensor.xml", xml);
+        writeFile("sensor.xml", one.xml);
         m_Root.remove("/mnt/mtd/log");
         ASSERT_EQ(init(), 1);
-        EXPECT_TRUE(hasLogged("sensor.xml is unreadable or broken"));
+        EXPECT_TRUE(hasLogged(one.said));
+        EXPECT_EQ(c().m_nParamMode, 1);
+        m_pClock->advance(1.5);
         EXPECT_EQ(c().m_nParamScheme, 0);
-        EXPECT_EQ(c().m_nParamMode, 1);
-        EXPECT_EQ(c().setParamMode(0), 0);
-        EXPECT_TRUE(hasLogged("setParamSchemeModeToFile @setParamMode failed"));
-        EXPECT_EQ(c().m_nParamMode, 1);
+        EXPECT_EQ(c().setParamMode(0), one.modeResult);
+        EXPECT_EQ(hasLogged("setParamSchemeModeToFile @setParamMode failed"), one.modeResult == 0);
+        EXPECT_EQ(c().m_nParamMode, 1 - one.modeResult);
     }
-    create();
-    writeFile("sensor.xml", ""); // cut off in the moment of its creation
-    ASSERT_EQ(init(), 1);
-    EXPECT_EQ(c().setParamMode(0), 1);
 }
 
 TEST_F(LifeCycle, ComesUpWithoutAPlaceForItsFiles) {

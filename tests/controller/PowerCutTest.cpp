@@ -1,19 +1,57 @@
 // A device loses its power at any moment. What was in the files stays usable: the next start finds a whole parameter
 // set, and never one that is half old and half new.
 
-#include "controller/ModelCatalogue.h"
 #include "controller/SenseControllerFactory.h"
 #include "support/Cmd8100Bench.h"
 
 #include <csignal>
-#include <cstdio>
-#include <random>
+#include <filesystem>
 
+#include <dlfcn.h>
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/prctl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+
+/// How many changes of files are left until the process is killed; negative: for ever. Only ever set in a child.
+int g_nChangesLeft = -1;
+
+void countChange() {
+    if (g_nChangesLeft >= 0 && g_nChangesLeft-- == 0)
+        ::kill(::getpid(), SIGKILL);
+}
+
+template <class Function>
+Function* next(const char* name) {
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// The library's files change by these. They stand before the C library's own.
+extern "C" {
+#pragma GCC visibility push(default)
+ssize_t pwrite64(int file, const void* bytes, size_t length, off64_t offset) {
+    countChange();
+    return next<decltype(pwrite64)>("pwrite64")(file, bytes, length, offset);
+}
+int ftruncate64(int file, off64_t length) noexcept {
+    countChange();
+    return next<int(int, off64_t)>("ftruncate64")(file, length);
+}
+int fallocate64(int file, int mode, off64_t offset, off64_t length) {
+    countChange();
+    return next<decltype(fallocate64)>("fallocate64")(file, mode, offset, length);
+}
+int posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* actions,
+                const posix_spawnattr_t* attributes, char* const arguments[], char* const environment[]) {
+    countChange();
+    return next<decltype(posix_spawn)>("posix_spawn")(process, path, actions, attributes, arguments, environment);
+}
+#pragma GCC visibility pop
+}
 
 class PowerCut : public ::testing::Test {
 protected:
@@ -30,25 +68,21 @@ protected:
         SafePointer<ISensorController> controller;
     };
 
-    /// The life of the process that is to be killed: saves sets of three equal values, with resets in between.
-    [[noreturn]] static void live(int ready) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const int nowhere = ::open("/dev/null", O_WRONLY);
-        ::dup2(nowhere, STDOUT_FILENO);
-        ::dup2(nowhere, STDERR_FILENO);
-        Device device;
-        if (!device.bringUp() || ::write(ready, "", 1) != 1)
-            ::_exit(1);
-        for (int i = 1; i < 100000; ++i) {
-            const std::string value = std::to_string(i % 101);
-            device.controller->setParameters("(1," + value + ")(2," + value + ")(3," + value + ")");
-            device.controller->flush();
-            if (i % 7 == 0)
-                device.controller->resetParameters();
-            if (i % 5 == 0)
-                device.controller->setParamScheme(i / 5 % 2);
+    /// How a process ended that starts, saves in several schemes and resets, and is killed at that change of a file.
+    static int lifeUntilChange(int count) {
+        const pid_t process = ::fork();
+        if (process == 0) {
+            g_nChangesLeft = count;
+            Device device;
+            bool isRight = device.bringUp() == 1 && device.controller->setParamMode(0) == 1;
+            for (const int scheme : {1, 2, 1})
+                isRight = isRight && device.controller->setParamScheme(scheme) == 1 &&
+                          device.controller->setParameters("(1,9)(2,9)(3,9)") == 1 && device.controller->flush() == 1;
+            ::_exit(isRight && device.controller->resetParameters() == 1 ? 0 : 1);
         }
-        ::_exit(2);
+        int status = 0;
+        ::waitpid(process, &status, 0);
+        return status;
     }
 
     TempRoot m_Root;
@@ -62,58 +96,55 @@ int PowerCut::Device::bringUp() {
                             VideoResolution(1920, 1080));
 }
 
-TEST_F(PowerCut, TheNextStartFindsAWholeSet) {
-    std::string commonIds;
-    const auto model = sensorcontrol::describeModel(16);
-    ASSERT_TRUE(model);
-    for (const sensorcontrol::ParameterInfo& parameter : model->parameters)
-        if (parameter.kind == IdManager::Common)
-            commonIds += "(" + std::to_string(parameter.id) + ")";
-    commonIds += "(500)(501)(502)(503)(504)";
-
-    m_Root.writeSchemeCount(2);
-    ::prctl(PR_SET_CHILD_SUBREAPER, 1); // the shell lines of a killed process end here, and are waited for
-    std::mt19937 random(20240101);
-    int bornDead = 0;
-    int sets = 0;
-    for (int round = 0; round < 30; ++round) {
-        if (round % 10 == 0)
-            m_Root.remove("/mnt/mtd/code/config_file");
-        int ready[2];
-        ASSERT_EQ(::pipe(ready), 0);
-        const pid_t process = ::fork();
-        ASSERT_NE(process, -1);
-        if (process == 0)
-            live(ready[1]);
-        ::close(ready[1]);
-        pollfd isUp{ready[0], POLLIN, 0};
-        if (round % 2 != 0) {
-            ASSERT_EQ(::poll(&isUp, 1, 60000), 1);
-        }
-        ::usleep(static_cast<useconds_t>(random() % 15000));
-        ::kill(process, SIGKILL);
-        int status = 0;
-        for (pid_t ended = 0; (ended = ::wait(&status)) > 0;)
-            bornDead += ended == process && WIFEXITED(status) && WEXITSTATUS(status) == 1 ? 1 : 0;
-        ::close(ready[0]);
-
-        testing::internal::CaptureStdout();
+// Killed at each change of a file in turn: of a first start, and on a device whose firmware has just got more schemes.
+TEST_F(PowerCut, AtEveryChangeOfAFile) {
+    const std::string folder = m_Root.path() + "/mnt/mtd/code/config_file";
+    const std::string fresh = m_Root.path() + "/fresh";
+    const std::string grown = m_Root.path() + "/grown";
+    const std::string morning = "(500,1)(501,8)(502,0)(503,12)(504,0)";
+    const std::string usersSet = "(1,7)(2,7)(3,7)";
+    m_Root.writeSchemeCount(1);
+    {
         Device device;
-        const int result = device.bringUp();
-        const std::string console = testing::internal::GetCapturedStdout();
-        ASSERT_EQ(result, 1) << console;
-        ASSERT_EQ(device.controller->getSensorStatus(), 2);
-        std::string text;
-        ASSERT_EQ(device.controller->getParameters(commonIds, text), 1) << console;
-        ASSERT_EQ(device.controller->getParameters("(1)(2)(3)", text), 1);
-        int values[3] = {};
-        ASSERT_EQ(std::sscanf(text.c_str(), "(1,%d)(2,%d)(3,%d)", &values[0], &values[1], &values[2]), 3) << text;
-        const bool isFactory = text == "(1,50)(2,40)(3,90)";
-        EXPECT_TRUE(isFactory || (values[0] == values[1] && values[1] == values[2])) << text;
-        sets += isFactory ? 0 : 1;
-        EXPECT_EQ(device.controller->flush(), 1);
+        ASSERT_EQ(device.bringUp(), 1);
+        ASSERT_EQ(device.controller->setParameters(usersSet + morning), 1);
+        ASSERT_EQ(device.controller->flush(), 1);
     }
-    ::prctl(PR_SET_CHILD_SUBREAPER, 0);
-    EXPECT_EQ(bornDead, 0);
-    EXPECT_GT(sets, 5);
+    std::filesystem::create_directory(fresh);
+    std::filesystem::rename(folder, grown);
+    m_Root.writeSchemeCount(3);
+
+    for (const std::string& before : {fresh, grown}) {
+        int kills = 0;
+        for (bool isKilled = true; isKilled; ++kills) {
+            SCOPED_TRACE(testing::Message() << before << ", killed at change " << kills);
+            ASSERT_LT(kills, 500);
+            std::filesystem::remove_all(folder);
+            std::filesystem::copy(before, folder, std::filesystem::copy_options::recursive);
+            const int status = lifeUntilChange(kills);
+            isKilled = WIFSIGNALED(status);
+            ASSERT_TRUE(isKilled || WEXITSTATUS(status) == 0);
+
+            Device device;
+            ASSERT_EQ(device.bringUp(), 1);
+            int number = -1;
+            EXPECT_EQ(device.controller->getParamSchemeFromFile(number), 1);
+            EXPECT_TRUE(number >= 0 && number <= 2) << number;
+            EXPECT_EQ(device.controller->getParamSchemeModeFromFile(number), 1);
+            EXPECT_TRUE(number == 0 || number == 1) << number;
+            for (int scheme = 0; scheme < 3; ++scheme) {
+                std::string text;
+                ASSERT_EQ(device.controller->readParamByScheme(scheme, text), 1);
+                const auto has = [&text](const std::string& group) { return text.find(group) != std::string::npos; };
+                const bool isUsers = has(usersSet);
+                EXPECT_TRUE(has("(1,50)(2,40)(3,90)") || isUsers || has("(1,9)(2,9)(3,9)")) << text;
+                // A new scheme takes no part until somebody says so; what the user had saved is whole.
+                EXPECT_TRUE(has(scheme > 0 ? "(500,0)" : "(500,1)")) << scheme << text;
+                EXPECT_TRUE(!isUsers || has(morning)) << text;
+                EXPECT_TRUE(!isUsers || scheme == 0);
+            }
+            EXPECT_EQ(device.controller->flush(), 1); // so every parameter has a value
+        }
+        EXPECT_GT(kills, 20);
+    }
 }

@@ -157,6 +157,11 @@ void SimulatedClock::setTimeOfDay(int hour, int minute, int second) {
     m_pState->localOffset = wanted * MICROSECONDS - m_pState->now;
 }
 
+void SimulatedClock::shiftLocalTime(long long seconds) {
+    const State::Guard guard(m_pState->mutex);
+    m_pState->localOffset = std::max<std::int64_t>(m_pState->localOffset + seconds * MICROSECONDS, -m_pState->now);
+}
+
 double SimulatedClock::now() const {
     const State::Guard guard(m_pState->mutex);
     return static_cast<double>(m_pState->now) / static_cast<double>(MICROSECONDS);

@@ -28,6 +28,8 @@ public:
 
     /// Sets the clock, as a user of the device would: the time of day jumps, spans stay as they are.
     void setTimeOfDay(int hour, int minute, int second = 0);
+    /// The same by a span, over days and years if need be; not to before 2024.
+    void shiftLocalTime(long long seconds);
 
     /// Steps aside for the life of the object: the other threads go on meanwhile, and time with them. For a thread that
     /// takes part and blocks on what the clock does not see, such as the end of a std::thread.
