@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ModuleFolder.h"
 #include "TargetOptions.h"
 
 #include <string>
@@ -46,6 +47,15 @@ struct SimulateOptions {
 };
 /// A block on a pseudo-terminal, until standard input ends, a quit or a signal.
 int simulate(Output& output, const SimulateOptions& options);
+
+struct UiOptions {
+    ModuleSelection selection;
+    int language = 1;
+    bool explain = false;
+    std::string print; ///< style, gui, common or language: this text alone; empty: everything
+};
+/// What the web interface may show for the module of a configuration folder, and how that came about.
+int showUi(Output& output, const UiOptions& options);
 
 // The same on a module that is up, for scripts too.
 

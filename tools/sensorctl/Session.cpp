@@ -115,7 +115,7 @@ void Session::startBlock() {
 }
 
 void Session::bringUp() {
-    const std::string device = m_pBlock != nullptr ? m_pBlock->portPath() : m_Options.port;
+    const std::string device = m_pBlock != nullptr ? m_pBlock->portPath() : m_Options.device();
     RestoreReport report;
     m_pProgress = std::make_unique<Progress>(m_Output, device);
     addListener([this](const TraceLine& line) { m_pProgress->onLine(line); });

@@ -55,6 +55,32 @@ std::string trimmed(const std::string& text) {
     return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
+/// Adds the pairs of a text, replacing what is there. Throws Failure; `source` says whose text it is.
+void addKeys(std::map<std::string, std::string>& keys, const std::string& text, ExitCode code,
+             const std::string& source, const std::string& hint) {
+    for (const std::string& pair : split(text, ';')) {
+        const std::size_t equals = pair.find('=');
+        const std::string key = trimmed(pair.substr(0, equals));
+        if (trimmed(pair).empty())
+            continue;
+        if (equals == std::string::npos || key.empty())
+            throw Failure(code, source + ": \"" + pair + "\" is no key=value", {hint});
+        keys[key] = pair.substr(equals + 1);
+    }
+}
+
+std::string valueOf(const std::map<std::string, std::string>& keys, const std::string& key) {
+    const auto found = keys.find(key);
+    return found != keys.end() ? found->second : "";
+}
+
+std::string textOf(const std::map<std::string, std::string>& keys) {
+    std::string text;
+    for (const auto& [key, value] : keys)
+        text += (text.empty() ? "" : ";") + key + '=' + value;
+    return text;
+}
+
 } // namespace
 
 void checkModule(int moduleId) {
@@ -85,7 +111,16 @@ void checkFaults(const std::string& plan) {
 
 void TargetOptions::declare(CLI::App& command) {
     const std::string target = "Target";
-    command.add_option("-m,--module", moduleId, "module id, see \"sensorctl modules\"")->group(target)->required();
+    auto* const module = command.add_option("-m,--module", moduleId, "module id, see \"sensorctl modules\"");
+    module->group(target);
+    auto* const config = command.add_option("--config", selection.folder,
+                                            "take the module from the moduleConfig.xml of a configuration folder");
+    config->group(target)->type_name("DIR")->excludes(module);
+    for (const auto& [name, selector] : {std::pair{"--product", &selection.product}, {"--board", &selection.board}})
+        command.add_option(name, *selector, "which module of the configuration folder")
+            ->group(target)
+            ->type_name("NAME")
+            ->needs(config);
     auto* const portOption =
         command.add_option("-p,--port", port, "serial port of the block, for example /dev/ttyUSB0");
     portOption->group(target);
@@ -129,9 +164,28 @@ void TargetOptions::declare(CLI::App& command) {
         ->group(target);
 }
 
+void TargetOptions::loadSelection() {
+    if (selection.folder.empty())
+        return;
+    ModuleFolder folder(selection);
+    const ModuleConfigure& record = folder.module();
+    const std::string source = selection.folder + "/moduleConfig.xml, module " + std::to_string(record.getModuleId());
+    moduleId = record.getModuleId();
+    addKeys(m_RecordDetail, record.getDetail(), Trouble, source + ", detail", "try: mend it");
+    addKeys(m_RecordParameters, record.getParameters(), Trouble, source + ", parameters", "try: mend it");
+}
+
+std::string TargetOptions::portKey() const {
+    return m_RecordDetail.contains("RS232") && !m_RecordDetail.contains("RS485") ? "RS232" : "RS485";
+}
+
+std::string TargetOptions::device() const { return port.empty() ? valueOf(m_RecordDetail, portKey()) : port; }
+
 void TargetOptions::check(bool needsPort) const {
+    if (moduleId < 0)
+        throw Failure(Usage, "--module is required", {"try: --module 16, or --config DIR; sensorctl modules"});
     checkModule(moduleId);
-    if (needsPort && !hasPort())
+    if (needsPort && !simulated && device().empty())
         throw Failure(Usage, "a port is missing", {"try: --port /dev/ttyUSB0, or --simulated"});
     if (simulated)
         checkSimulated(moduleId);
@@ -156,36 +210,29 @@ VideoResolution TargetOptions::videoResolution() const {
 std::string TargetOptions::lineText() const {
     if (!line.empty())
         return line;
+    if (const std::string configured = valueOf(m_RecordParameters, portKey()); !configured.empty())
+        return configured;
     const camerasim::BlockEntry* const block = findBlock(moduleId);
     return std::to_string(block != nullptr ? block->baud : DefaultBaud) + ",8,1,0";
 }
 
-std::map<std::string, std::string> TargetOptions::detailKeys() const {
-    std::map<std::string, std::string> keys = {{"isInfrared", "0"}, {"generation", "3"}};
-    if (trimmed(detail).empty())
-        return keys;
-    for (const std::string& pair : split(detail, ';')) {
-        const std::size_t equals = pair.find('=');
-        const std::string key = trimmed(pair.substr(0, equals));
-        if (trimmed(pair).empty())
-            continue;
-        if (equals == std::string::npos || key.empty())
-            throw Failure(Usage, "--detail: \"" + pair + "\" is no key=value",
-                          {"try: --detail 'isInfrared=1;generation=4'"});
-        keys[key] = pair.substr(equals + 1);
-    }
+TargetOptions::Keys TargetOptions::detailKeys() const {
+    Keys keys = selection.folder.empty() ? Keys{{"isInfrared", "0"}, {"generation", "3"}} : m_RecordDetail;
+    addKeys(keys, detail, Usage, "--detail", "try: --detail 'isInfrared=1;generation=4'");
     return keys;
 }
 
 std::string TargetOptions::detailText(const std::string& device) const {
-    std::string text = "RS485=" + device;
-    for (const auto& [key, value] : detailKeys())
-        if (key != "RS485")
-            text += ';' + key + '=' + value;
-    return text;
+    Keys keys = detailKeys();
+    keys[portKey()] = device;
+    return textOf(keys);
 }
 
-std::string TargetOptions::parametersText() const { return "RS485=" + lineText(); }
+std::string TargetOptions::parametersText() const {
+    Keys keys = m_RecordParameters;
+    keys[portKey()] = lineText();
+    return textOf(keys);
+}
 
 std::string TargetOptions::rootFolder() const {
     if (!root.empty())

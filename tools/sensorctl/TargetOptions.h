@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ModuleFolder.h"
 #include "host/VideoResolution.h"
 
 #include <map>
@@ -15,6 +16,7 @@ namespace sensorctl {
 /// What is to be brought up, as the command line has it, and checked.
 struct TargetOptions {
     int moduleId = -1;
+    ModuleSelection selection; ///< in place of the module id; without a folder: none
     std::string port;
     std::string line;
     bool simulated = false;
@@ -30,6 +32,8 @@ struct TargetOptions {
 
     /// Declares the options. With optionalPort a module alone is enough.
     void declare(CLI::App& command);
+    /// Takes the module from the configuration folder, if one is named. Before anything else; throws Failure.
+    void loadSelection();
     bool hasPort() const { return simulated || !port.empty(); }
 
     /// Throws Failure with Usage for anything that cannot be meant. needsPort: a port or a simulated block is a must.
@@ -38,6 +42,8 @@ struct TargetOptions {
     int videoSystemNumber() const { return videoSystem == "pal" ? 1 : 0; }
     VideoResolution videoResolution() const;
     std::string lineText() const;
+    /// The port asked for, else the one that the configuration folder names; may be empty.
+    std::string device() const;
     /// The two texts of the module, for the device that was found.
     std::string detailText(const std::string& device) const;
     std::string parametersText() const;
@@ -46,7 +52,14 @@ struct TargetOptions {
     std::string rootFolder() const;
 
 private:
-    std::map<std::string, std::string> detailKeys() const;
+    using Keys = std::map<std::string, std::string>;
+
+    Keys detailKeys() const;
+    /// The key of the serial port in either text.
+    std::string portKey() const;
+
+    Keys m_RecordDetail; ///< of the module in the configuration folder
+    Keys m_RecordParameters;
 };
 
 /// Throws Failure with Usage if there is no such module; says which there are.

@@ -29,6 +29,7 @@ struct CommandLine {
     double seconds = 0;
     DayNightOptions dayNight;
     SimulateOptions simulate;
+    UiOptions ui;
     int decodedModule = 16;
     std::function<int(Output&)> action;
 };
@@ -159,12 +160,32 @@ void declareWireCommands(CLI::App& app, CommandLine& line) {
                     "  quit                    end, as the end of the input does\n\n" + faultHelp());
 }
 
-int run(const CommandLine& line) {
+void declareUiCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* const command =
+        declare(app, line, "ui", "Show the module that a configuration folder chooses and its web interface's texts",
+                "sensorctl ui --config docs/samples/moduleConfig --product bullet --explain",
+                [&line](Output& output) { return showUi(output, line.ui); });
+    command->add_option("--config", line.ui.selection.folder, "folder of moduleConfig.xml and sensorConfig")
+        ->type_name("DIR")
+        ->required();
+    command->add_option("--product", line.ui.selection.product, "modules of this product")->type_name("NAME");
+    command->add_option("--board", line.ui.selection.board, "modules of this board")->type_name("NAME");
+    command->add_option("--language", line.ui.language, "language of the texts, 1 by default")->type_name("ID");
+    CLI::Option* const explain = command->add_flag("--explain", line.ui.explain,
+                                                   "tell block by block which conditions held and what was edited");
+    command->add_option("--print", line.ui.print, "one text alone: style, gui, common or language")
+        ->check(CLI::IsMember({"style", "gui", "common", "language"}))
+        ->type_name("TEXT")
+        ->excludes(explain);
+}
+
+int run(CommandLine& line) {
     Interrupt::install();
     try {
         Output output(line.json, line.verbosity);
         int code = Done;
         try {
+            line.target.loadSelection();
             code = line.action(output);
         } catch (const Failure& failure) {
             output.report(failure);
@@ -201,6 +222,7 @@ int main(int argumentCount, char** arguments) {
     declareParameterCommands(app, line);
     declareLiveCommands(app, line);
     declareWireCommands(app, line);
+    declareUiCommand(app, line);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

@@ -2,8 +2,8 @@
 
 _sensorctl() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="modules list get set reset run watch daynight trace decode simulate"
-    local target="--module --port --line --simulated --detail --video-system --resolution --root --gpio --trace --fault
+    local commands="modules list get set reset run watch daynight trace decode simulate ui"
+    local target="--module --config --product --board --port --line --simulated --detail --video-system --resolution --root --gpio --trace --fault
         --baud-pace --simulated-restart"
     local common="--help --json --verbose"
     COMPREPLY=()
@@ -23,7 +23,7 @@ _sensorctl() {
         mapfile -t COMPREPLY < <(compgen -f -- "${current:-/dev/tty}")
         return
         ;;
-    --root)
+    --root | --config)
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
         return
         ;;
@@ -39,6 +39,10 @@ _sensorctl() {
         mapfile -t COMPREPLY < <(compgen -W "chip memory" -- "$current")
         return
         ;;
+    --print)
+        mapfile -t COMPREPLY < <(compgen -W "style gui common language" -- "$current")
+        return
+        ;;
     --ambient)
         mapfile -t COMPREPLY < <(compgen -W "dark light" -- "$current")
         return
@@ -48,7 +52,7 @@ _sensorctl() {
             duplicate echo refuse checksum short-write port-gone reboot" -- "$current")
         return
         ;;
-    --line | --detail | --resolution | --baud-pace | --baud | --for | --wait)
+    --line | --detail | --resolution | --baud-pace | --baud | --for | --wait | --product | --board | --language)
         return
         ;;
     esac
@@ -70,6 +74,7 @@ _sensorctl() {
     trace) options+=" $target --for" ;;
     decode) options+=" --module" ;;
     simulate) options+=" --module --link --baud --fault --state" ;;
+    ui) options+=" --config --product --board --language --explain --print" ;;
     esac
 
     if [[ $current == -* ]]; then

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace sensorctl {
+
+/// While it lives, what is printed to standard output is kept here: the library tells some failures nowhere else.
+class ConsoleCapture {
+public:
+    ConsoleCapture();
+    ~ConsoleCapture();
+    ConsoleCapture(const ConsoleCapture&) = delete;
+    ConsoleCapture& operator=(const ConsoleCapture&) = delete;
+
+    /// Ends the capture. The lines without blanks at their ends, no empty ones.
+    std::vector<std::string> finish();
+
+private:
+    void restore();
+
+    std::FILE* m_pFile;
+    int m_nSaved = -1;
+};
+
+} // namespace sensorctl
