@@ -38,6 +38,7 @@ SENSORHOST_API int BrAewb_UiSetBrtness(int value);
 SENSORHOST_API int BrAewb_UiGetSatDgr();
 SENSORHOST_API int BrAewb_UiSetSatDgr(int value);
 SENSORHOST_API int BrAewb_UiGetContrast();
+SENSORHOST_API int BrAewb_UiSetContrast(int value);
 SENSORHOST_API int BrAewb_UiGetSharpness();
 SENSORHOST_API int BrAewb_UiSetSharpness(int value);
 SENSORHOST_API int BrAewb_UiGetHlcCtrl();

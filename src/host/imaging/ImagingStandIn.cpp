@@ -69,6 +69,7 @@ enum class Function {
     BrAewb_UiGetSatDgr,
     BrAewb_UiSetSatDgr,
     BrAewb_UiGetContrast,
+    BrAewb_UiSetContrast,
     BrAewb_UiGetSharpness,
     BrAewb_UiSetSharpness,
     BrAewb_UiGetHlcCtrl,
@@ -135,6 +136,7 @@ constexpr auto ROWS = std::to_array<Row>({
     {"BrAewb_UiGetSatDgr", Slot::SatDgr},
     {"BrAewb_UiSetSatDgr", Slot::SatDgr},
     {"BrAewb_UiGetContrast", Slot::Contrast},
+    {"BrAewb_UiSetContrast", Slot::Contrast},
     {"BrAewb_UiGetSharpness", Slot::Sharpness},
     {"BrAewb_UiSetSharpness", Slot::Sharpness},
     {"BrAewb_UiGetHlcCtrl", Slot::HlcCtrl},
@@ -191,6 +193,7 @@ struct ImagingStandIn::State {
     mutable std::mutex mutex;
     Stage stage = Stage::Off;
     std::array<int, SLOT_COUNT> values{};
+    std::optional<double> lux;
     std::array<bool, ROWS.size()> failing{};
     std::array<bool, ROWS.size()> failingNext{};
     std::vector<std::int32_t> edgeWords;
@@ -201,17 +204,22 @@ struct ImagingStandIn::State {
 
     State() { switchOn(); }
 
-    // A picture in the middle of its ranges, at a gain of 1.
+    // A picture in the middle of its ranges, at a gain of 1, exposed automatically: up to a frame's time at 25 frames a
+    // second. Night falls at half the gain there is, a light below which colours drown in noise, and ends well above.
     void switchOn() {
         stage = Stage::Off;
         values.fill(0);
+        lux.reset();
         for (const Slot slot : {Slot::Brtness, Slot::SatDgr, Slot::Contrast, Slot::Sharpness})
             valueOf(slot) = 50;
-        constexpr int UNITY_GAIN = 4096;
-        valueOf(Slot::Gain) = UNITY_GAIN;
-        valueOf(Slot::Iso) = UNITY_GAIN;
-        valueOf(Slot::DayToNightTransition) = 32 * UNITY_GAIN;
-        valueOf(Slot::NightToDayTransition) = 4 * UNITY_GAIN;
+        valueOf(Slot::Gain) = UnityGain;
+        valueOf(Slot::Iso) = UnityGain;
+        valueOf(Slot::MaxGain4Auto) = 64 * UnityGain;
+        valueOf(Slot::FixGain4Manu) = UnityGain;
+        valueOf(Slot::MaxShutr4Auto) = 40000;
+        valueOf(Slot::FixShutr4Manu) = 10000;
+        valueOf(Slot::DayToNightTransition) = 32 * UnityGain;
+        valueOf(Slot::NightToDayTransition) = 4 * UnityGain;
         failing.fill(false);
         failingNext.fill(false);
         edgeWords.clear();
@@ -219,6 +227,29 @@ struct ImagingStandIn::State {
         recording = false;
         calls.clear();
         misuses.clear();
+    }
+
+    Exposure exposure() {
+        if (!lux)
+            return {.shutter = 0, .gain = valueOf(Slot::Gain), .iso = valueOf(Slot::Iso)};
+        return exposeScene(*lux, {.isGainFixed = valueOf(Slot::GainCtrlMode) == 1,
+                                  .isShutterFixed = valueOf(Slot::ShutrCtrlMode) == 1,
+                                  .mostGain = valueOf(Slot::MaxGain4Auto),
+                                  .fixedGain = valueOf(Slot::FixGain4Manu),
+                                  .longestShutter = valueOf(Slot::MaxShutr4Auto),
+                                  .fixedShutter = valueOf(Slot::FixShutr4Manu),
+                                  .brightness = valueOf(Slot::Brtness)});
+    }
+
+    int answer(Function function) {
+        switch (ROWS[indexOf(function)].slot) {
+        case Slot::Gain:
+            return exposure().gain;
+        case Slot::Iso:
+            return exposure().iso;
+        default:
+            return valueOf(function);
+        }
     }
 
     int& valueOf(Slot slot) { return values[static_cast<std::size_t>(slot)]; }
@@ -258,7 +289,7 @@ std::size_t findRow(std::string_view name) {
 int read(Function function) {
     ImagingStandIn::State& s = imagingState();
     const Guard guard(s.mutex);
-    const int value = s.passes(function, Stage::Started) ? s.valueOf(function) : -1;
+    const int value = s.passes(function, Stage::Started) ? s.answer(function) : -1;
     s.record(function, value);
     return value;
 }
@@ -315,6 +346,21 @@ int ImagingStandIn::getValue(const std::string& function) const {
         return 0;
     const Guard guard(m_pState->mutex);
     return m_pState->valueOf(ROWS[row].slot);
+}
+
+void ImagingStandIn::setScene(std::optional<double> lux) {
+    const Guard guard(m_pState->mutex);
+    m_pState->lux = lux;
+}
+
+std::optional<double> ImagingStandIn::getScene() const {
+    const Guard guard(m_pState->mutex);
+    return m_pState->lux;
+}
+
+Exposure ImagingStandIn::getExposure() const {
+    const Guard guard(m_pState->mutex);
+    return m_pState->exposure();
 }
 
 std::vector<std::int32_t> ImagingStandIn::getEdgeWords() const {
@@ -431,6 +477,8 @@ int BrAewb_UiGetSatDgr() { return read(Function::BrAewb_UiGetSatDgr); }
 int BrAewb_UiSetSatDgr(int value) { return write(Function::BrAewb_UiSetSatDgr, value); }
 
 int BrAewb_UiGetContrast() { return read(Function::BrAewb_UiGetContrast); }
+
+int BrAewb_UiSetContrast(int value) { return write(Function::BrAewb_UiSetContrast, value); }
 
 int BrAewb_UiGetSharpness() { return read(Function::BrAewb_UiGetSharpness); }
 

@@ -2,15 +2,20 @@
 
 #include "host/Export.h"
 #include "host/ImagingLibraries.h"
+#include "host/imaging/ExposureModel.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace sensorhost {
 
 /// Stands in for the platform's imaging libraries: keeps what was set and answers reads with it. A program or a test
-/// looks at it, and plays the pipeline, from here. Functions go by their names. Any thread may call it.
+/// looks at it, and plays the pipeline, from here. With a scene before it, it exposes as a pipeline does: gain and ISO
+/// then follow the light and the settings. Functions go by their names. Any thread may call it.
+///
+/// Gain and shutter mode 0 are automatic, 1 fixed; the units are those of ExposureSettings.
 class SENSORHOST_API ImagingStandIn {
 public:
     struct Call {
@@ -29,6 +34,13 @@ public:
     bool setValue(const std::string& function, int value);
     /// 0 for an unknown name or a setter that was never called.
     int getValue(const std::string& function) const;
+
+    /// Puts a scene of so much light before the pipeline, in lux: full daylight 10,000, an office 300, street light 5,
+    /// moonlight 0.1. Nothing, as at the start, leaves gain and ISO as they were set here.
+    void setScene(std::optional<double> lux);
+    std::optional<double> getScene() const;
+    /// How the scene is exposed; without one, gain and ISO as set and no shutter.
+    Exposure getExposure() const;
 
     /// The edge-enhancement words set last, without the pointer, and the curve table (empty if none was set).
     std::vector<std::int32_t> getEdgeWords() const;
