@@ -5,6 +5,7 @@
 #include "controller/ISensorController.h"
 #include "host/BreltoTime.h"
 #include "host/ImagingLibraries.h"
+#include "host/ScopedLock.h"
 #include "imaging/EE.h"
 #include "imaging/ISPParam.h"
 #include "imaging/ISPParamParse.h"
@@ -105,6 +106,7 @@ int ISensorController::setISPParam(const std::string& type, int key) {
 }
 
 int ISensorController::set3DNRParam(const std::string& type, int key) {
+    sensorhost::ScopedLock lock(m_FilterMutex);
     const int mode = m_nTNFMode;
     if (mode == FilterOff || mode == FilterOfUser)
         return 1;
@@ -182,6 +184,12 @@ int ISensorController::setEEParam(const std::string& type, int key) {
 }
 
 int ISensorController::setTNF(int value) {
+    sensorhost::ScopedLock lock(m_FilterMutex);
+    applyTNF(value);
+    return 1;
+}
+
+void ISensorController::applyTNF(int value) {
     if (value == 0) {
         closeFilter();
     } else {
@@ -192,16 +200,16 @@ int ISensorController::setTNF(int value) {
         DRV_SetKTNF_TNF_A0(a0);
     }
     m_nTNFValue = value;
-    return 1;
 }
 
 int ISensorController::setTNFMode(int mode) {
+    sensorhost::ScopedLock lock(m_FilterMutex);
     if (mode == FilterOff) {
         closeFilter();
         m_nLastA0 = TurnOff;
         m_nLastTM = TurnOff;
     } else if (mode == FilterOfUser) {
-        setTNF(m_nTNFValue);
+        applyTNF(m_nTNFValue);
     }
     m_nTNFMode = mode;
     return 1;

@@ -6,8 +6,10 @@
 #include "support/BareController.h"
 #include "support/TempRoot.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -205,6 +207,30 @@ TEST_F(IspTuning, ModesTakeTheFilterFromTheTableAndGiveItBack) {
     m_pController->setTNFMode(0);
     EXPECT_THAT(told(), IsEmpty());
     EXPECT_EQ(pass(), CloseFilter + openFilter(7, 8)) << "mode 1 had left both values as closed";
+}
+
+TEST_F(IspTuning, APassUnderWayDoesNotReopenWhatTheUserCloses) {
+    load(type("GAIN",
+              unit("low", 0, 1, item("A0", 7) + item("TM", 8)) + unit("high", 1, 2, item("A0", 9) + item("TM", 10))));
+    std::atomic<bool> isOver = false;
+    testing::internal::CaptureStdout();
+    std::thread passes([&] {
+        for (int gain = 0; !isOver; gain = 1 - gain)
+            m_pController->set3DNRParam("GAIN", gain);
+    });
+    int reopened = 0;
+    for (int i = 0; i < 3000; ++i) {
+        m_pController->setTNFMode(1);
+        for (int look = 0; look < 3; ++look) {
+            std::this_thread::yield();
+            reopened += m_Pipeline.getValue("DRV_SetKTNFWorkMode");
+        }
+        m_pController->setTNFMode(0);
+    }
+    isOver = true;
+    passes.join();
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(reopened, 0);
 }
 
 TEST_F(IspTuning, StrengthsOfTheUserRunBackwards) {
