@@ -2,10 +2,12 @@
 
 #include "controller/ModelCatalogue.h"
 #include "drivers/ModelDescription.h"
+#include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
 #include "drivers/visca/ViscaModel.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace sensorcontrol {
 
@@ -13,13 +15,17 @@ namespace {
 
 struct RegistryRow {
     int moduleId;
-    ISensorController* (*create)();
+    ISensorController* (*create)(int moduleId);
     const ModelDescription& (*describe)();
 };
 
+/// A controller that stands for several modules is told which.
 template <class Controller>
-ISensorController* make() {
-    return new Controller;
+ISensorController* make(int moduleId) {
+    if constexpr (std::is_constructible_v<Controller, int>)
+        return new Controller(moduleId);
+    else
+        return new Controller;
 }
 
 template <class Controller>
@@ -28,6 +34,9 @@ const ModelDescription& parametersOf() {
 }
 
 constexpr RegistryRow registry[] = {
+    {4, make<BreltoISPSenseController>, BreltoISPSenseController::model},
+    {5, make<BreltoISPSenseController>, BreltoISPSenseController::model},
+    {6, make<BreltoISPSenseController>, BreltoISPSenseController::model},
     {16, make<CMD8100SenseController>, parametersOf<CMD8100SenseController>},
 };
 
@@ -86,7 +95,7 @@ std::optional<ModelInfo> describeModel(int moduleId) {
 
 ISensorController* createController(int moduleId) {
     const RegistryRow* row = findModel(moduleId);
-    return row != nullptr ? row->create() : nullptr;
+    return row != nullptr ? row->create(moduleId) : nullptr;
 }
 
 } // namespace sensorcontrol

@@ -44,20 +44,21 @@ using Command = int (*)(ISensorController&);
 /// No failure text of its own.
 inline constexpr const char* Silent = "";
 
-/// Everything about one parameter of one model. A row has one of `send`, `set` and `command`. Of a row with `send` the
-/// gate refuses what `accepts` leaves out; a `set` operation refuses by itself, and its row's `accepts` tells what.
+/// Everything about one parameter of one model. A row has one of `send`, `set` and `command`; only one that is not
+/// registered may have none, and then serves reads alone. Of a row with `send` or `refusal` the gate refuses what
+/// `accepts` leaves out; any other `set` operation refuses by itself, and its row's `accepts` tells what.
 struct ParameterRow {
     int id;
-    const char* name; ///< "Brightness" of setBrightness; of a command its whole name
-    IdManager::Kind kind = IdManager::Common;
+    const char* name;                         ///< "Brightness" of setBrightness; of a command its whole name
+    IdManager::Kind kind = IdManager::Common; ///< Unknown: served, but not registered
 
     ValueSet accepts{};
-    const char* refusal = nullptr; ///< of `send`, with at most one %d; null: refused without a text
+    const char* refusal = nullptr; ///< with at most one %d; null: `send` refuses without a text
 
     Condition onlyWhile{};
 
     FramePattern send{};
-    ValueMap value{};
+    ValueMap value{}; ///< what `send` and `set` get
     Setter set = nullptr;
     Command command = nullptr;
     const char* setFailure = nullptr; ///< in place of the model's regular text
@@ -82,6 +83,12 @@ struct MemberOf<int (Class::*)(Arguments...)> {
 /// A member operation as the setter of a row, virtual ones by the object's own type.
 template <auto Member>
 int call(ISensorController& controller, int value) {
+    return (static_cast<typename detail::MemberOf<decltype(Member)>::type&>(controller).*Member)(value);
+}
+
+/// A member operation that reads as the getter of a row.
+template <auto Member>
+int ask(ISensorController& controller, int& value) {
     return (static_cast<typename detail::MemberOf<decltype(Member)>::type&>(controller).*Member)(value);
 }
 

@@ -14,28 +14,26 @@ const ParameterRow* findRow(const ModelDescription& model, int id) {
     return row != model.rows.end() && row->id == id ? &*row : nullptr;
 }
 
-/// The tables' texts are proved to hold at most one %d.
-void logText(ISensorController& controller, const char* text, int value) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#pragma GCC diagnostic ignored "-Wformat-security"
-    controller.ErrorPrintf(text, value);
-#pragma GCC diagnostic pop
-}
-
 void logFailure(ISensorController& controller, const ModelDescription& model, const ParameterRow& row,
                 const char* prefix, const char* irregular, int value) {
     if (irregular != nullptr) {
         if (*irregular != '\0')
-            logText(controller, irregular, value);
+            ParameterTable::log(controller, irregular, value);
         return;
     }
     if (model.failureText == nullptr)
         return;
     char text[100];
     std::snprintf(text, sizeof text, "%s%s%s", prefix, row.name, model.failureText);
-    logText(controller, text, value);
+    ParameterTable::log(controller, text, value);
 }
+
+void logUnserved(ISensorController& controller, const ModelDescription& model, int id) {
+    if (model.unservedText != nullptr)
+        ParameterTable::log(controller, model.unservedText, id);
+}
+
+bool isSettable(const ParameterRow& row) { return !row.send.empty() || row.set != nullptr || row.command != nullptr; }
 
 void waitAfter(const ModelDescription& model) {
     if (model.waitMicroseconds > 0)
@@ -49,6 +47,14 @@ void ParameterTable::registerIds(IdManager& ids, const ModelDescription& model) 
         ids.addParameterId(row.kind, row.id);
 }
 
+void ParameterTable::log(ISensorController& controller, const char* text, int value) {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+#pragma GCC diagnostic ignored "-Wformat-security"
+    controller.ErrorPrintf(text, value);
+#pragma GCC diagnostic pop
+}
+
 int ParameterTable::set(ISensorController& controller, const ModelDescription& model, int id, int value) {
     if (controller.m_SensorStatus != ISensorController::InitSuccess)
         return 0;
@@ -56,8 +62,10 @@ int ParameterTable::set(ISensorController& controller, const ModelDescription& m
     if (ofBase != -1)
         return ofBase;
     const ParameterRow* row = findRow(model, id);
-    if (row == nullptr)
+    if (row == nullptr || !isSettable(*row)) {
+        logUnserved(controller, model, id);
         return model.unservedSetResult;
+    }
     if (!apply(controller, model, *row, value)) {
         logFailure(controller, model, *row, row->command != nullptr ? "" : "set", row->setFailure, value);
         return 0;
@@ -69,12 +77,15 @@ int ParameterTable::set(ISensorController& controller, const ModelDescription& m
 int ParameterTable::get(ISensorController& controller, const ModelDescription& model, int id, int& value) {
     if (controller.m_SensorStatus != ISensorController::InitSuccess)
         return 0;
-    value = 0;
+    if (model.isReadFromZero)
+        value = 0;
     if (controller.ISensorController::getParameterFromSensor(id, value))
         return 1;
     const ParameterRow* row = findRow(model, id);
-    if (row == nullptr || (row->get == nullptr && !row->factory.isKnown))
+    if (row == nullptr || (row->get == nullptr && !row->factory.isKnown)) {
+        logUnserved(controller, model, id);
         return 0;
+    }
     if (row->get == nullptr) {
         value = row->factory.value;
     } else if (!row->get(controller, value)) {
@@ -103,9 +114,10 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
     int stored = 0;
     if (row.onlyWhile.kind == Condition::WhileStored && !controller.getParameter(row.onlyWhile.storedId, stored))
         return 0;
-    if (!row.send.empty() && !row.accepts.contains(value)) {
+    const bool isChecked = !row.send.empty() || row.refusal != nullptr;
+    if (isChecked && !row.accepts.contains(value)) {
         if (row.refusal != nullptr)
-            logText(controller, row.refusal, value);
+            log(controller, row.refusal, value);
         return 0;
     }
     switch (row.onlyWhile.kind) {
@@ -123,7 +135,7 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
     if (row.command != nullptr)
         return row.command(controller);
     if (row.set != nullptr)
-        return row.set(controller, value);
+        return row.set(controller, row.value(value));
     const FramePattern::Frame frame = row.send.build(row.value(value));
     return model.transmit(controller, frame.data(), static_cast<int>(row.send.size()));
 }

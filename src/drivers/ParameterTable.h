@@ -24,6 +24,9 @@ public:
     /// without failure text or wait. 1 or 0.
     static int apply(ISensorController& controller, const ModelDescription& model, int id, int value);
 
+    /// Writes a text of a table, with at most one %d, to the error log.
+    static void log(ISensorController& controller, const char* text, int value);
+
 private:
     static int apply(ISensorController& controller, const ModelDescription& model, const ParameterRow& row, int value);
 };

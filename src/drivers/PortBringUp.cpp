@@ -47,6 +47,25 @@ int ModuleKeys::detailNumber(const char* key, int& value, const char* failure) {
     return isThere;
 }
 
+int ModuleKeys::optionalDetail(const char* key, std::string& value, const char* notice) {
+    if (m_Detail.getValue(key, value))
+        return 1;
+    std::puts(notice);
+    return 0;
+}
+
+int ModuleKeys::optionalDetailNumber(const char* key, int& value, const char* notice) {
+    std::string text;
+    if (!optionalDetail(key, text, notice))
+        return 0;
+    value = toNumber(text);
+    return 1;
+}
+
+int parsePin(const std::string& text, int& group, int& pin, int& level) {
+    return std::sscanf(text.c_str(), "%d,%d,%d", &group, &pin, &level);
+}
+
 int toNumber(const std::string& text) {
     const long number = std::strtol(text.c_str(), nullptr, 10);
     return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));

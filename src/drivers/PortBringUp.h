@@ -23,12 +23,19 @@ public:
     /// The same as a decimal number; text that is none counts as 0.
     int detailNumber(const char* key, int& value, const char* failure);
 
+    /// The same for keys that may be missing: that goes to the console only and leaves the value as it was.
+    int optionalDetail(const char* key, std::string& value, const char* notice);
+    int optionalDetailNumber(const char* key, int& value, const char* notice);
+
 private:
     ISensorController& m_Controller;
     const ModuleConfigure& m_Configure;
     ModuleParameterParser m_Detail;
     ModuleParameterParser m_Parameters;
 };
+
+/// A pin and a level of it, from a text "group,pin,level": how many of the three there are.
+int parsePin(const std::string& text, int& group, int& pin, int& level);
 
 /// The number that a text begins with, 0 without one, cut to what an int holds.
 int toNumber(const std::string& text);

@@ -7,3 +7,6 @@
 
 /// Marks what libsensorcontrol offers to its host.
 #define SENSORCONTROL_API __attribute__((visibility("default")))
+
+/// Keeps part of an exported class inside its library.
+#define SENSORCONTROL_LOCAL __attribute__((visibility("hidden")))

@@ -58,19 +58,7 @@ protected:
     }
 
     void forgetLog() { m_Root.remove(LogFile); }
-    std::string logLines() const {
-        static constexpr std::string_view tag = "SensorError ";
-        std::string text = m_Root.read(LogFile);
-        std::string lines;
-        for (std::size_t begin = 0; begin < text.size() && text != "<none>";) {
-            const std::size_t end = std::min(text.find('\n', begin), text.size());
-            const std::string line = text.substr(begin, end - begin);
-            const std::size_t at = line.find(tag);
-            lines += (begin == 0 ? "" : " | ") + (at == std::string::npos ? line : line.substr(at + tag.size()));
-            begin = end + 1;
-        }
-        return lines;
-    }
+    std::string logLines() const { return m_Root.errorLines(); }
 
 private:
     static constexpr const char* LogFile = "/mnt/mtd/log/SensorError.log";

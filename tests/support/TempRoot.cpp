@@ -31,6 +31,17 @@ std::string TempRoot::read(const std::string& devicePath) const {
     return text.str();
 }
 
+std::string TempRoot::errorLines() const {
+    static constexpr std::string_view tag = "SensorError ";
+    std::istringstream log(read("/mnt/mtd/log/SensorError.log"));
+    std::string lines;
+    for (std::string line; std::getline(log, line) && line != "<none>";) {
+        const std::size_t at = line.find(tag);
+        lines += (lines.empty() ? "" : " | ") + (at == std::string::npos ? line : line.substr(at + tag.size()));
+    }
+    return lines;
+}
+
 void TempRoot::write(const std::string& devicePath, const std::string& text) const {
     const std::filesystem::path path = m_strPath + devicePath;
     std::filesystem::create_directories(path.parent_path());

@@ -15,6 +15,8 @@ public:
     /// The text of a device file, "<none>" if it is not there.
     std::string read(const std::string& devicePath) const;
     void write(const std::string& devicePath, const std::string& text) const;
+    /// The texts in the controller's error log, joined by " | ".
+    std::string errorLines() const;
     void remove(const std::string& devicePath) const;
 
     /// Makes the installation's file that says how many schemes there are.

@@ -1,0 +1,369 @@
+#include "support/OnChipBench.h"
+
+#include <climits>
+#include <fstream>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+class OnChipController : public OnChipBench {};
+
+TEST_F(OnChipController, StartsFromItsModuleKeys) {
+    const struct {
+        const char* detail;
+        const char* parameters;
+        const char* log;
+    } failing[] = {
+        {"isInfrared", "", "parse detail failed"},
+        {"autoIris=0;GPIO=0,1,1", "", "get isInfrared from detail failed"},
+        {"isInfrared=0;GPIO=0,1,1", "bad", "get autoIris from detail failed"},
+        {"isInfrared=0;autoIris=0;GPIO=0,1,1", "=", "parse senseParameter failed"},
+        {"isInfrared=0;autoIris=0", "GPIO=0,1,1", "get GPIO from detail failed"},
+        {"isInfrared=0;autoIris=0;GPIO=0,1", "", "parse GPIO param failed,nRet=2"},
+        {"isInfrared=0;autoIris=0;GPIO=pin", "", "parse GPIO param failed,nRet=0"},
+    };
+    for (const auto& [detail, parameters, log] : failing) {
+        EXPECT_EQ(bringUp(detail, 1, parameters), 0) << detail;
+        EXPECT_EQ(takeErrors(), std::string("objISPParamParse.parse failed | ") + log + " | initController failed");
+    }
+
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(bringUp("isInfrared=2;autoIris=2;GPIO=3,12,0"), 1);
+    const std::string console = testing::internal::GetCapturedStdout();
+    for (const char* key : {"isNewInfrared", "GPIOInfraredLight", "GPIODNLevel", "TNF", "HDR"})
+        EXPECT_THAT(console, HasSubstr(std::string("get ") + key + " from detail failed\n"));
+    EXPECT_EQ(m_pGpio->getHistory().at(0).group, 3);
+    EXPECT_EQ(m_pGpio->getHistory().at(0).pin, 12);
+    EXPECT_EQ(m_pGpio->getHistory().at(0).value, 0) << "the filter's day level";
+    EXPECT_EQ(fromSensor(18), 0);
+    EXPECT_EQ(fromSensor(32), 0);
+    EXPECT_EQ(fromSensor(37), 0) << "without the key the filter counts as not there";
+    EXPECT_EQ(fromSensor(62), 1);
+
+    EXPECT_EQ(bringUp("isInfrared=1;isNewInfrared=1;autoIris=1;GPIO=0,12,1;GPIOInfraredLight=1,2,0;GPIODNLevel=1,5,1;"
+                      "TNF=1;HDR=2"),
+              1);
+    EXPECT_EQ(fromSensor(18), 1);
+    EXPECT_EQ(fromSensor(32), -999) << "an ability without a known answer gives none";
+    EXPECT_EQ(fromSensor(62), 0);
+    EXPECT_EQ(m_pGpio->getLevel(1, 2), 0) << "the lights are out by day";
+    m_pClock->advance(2);
+    EXPECT_EQ(m_pGpio->getLevel(1, 2), 1) << "the light sensor reads dark";
+}
+
+TEST_F(OnChipController, TellsTheVideoSystemAndWaits) {
+    ASSERT_EQ(bringUp(), 1);
+    for (const auto& [videoSystem, told, frequency] :
+         {std::tuple{1, "VideoSystem=0 DRV_displaySetMode=1", 0}, {0, "VideoSystem=1 DRV_displaySetMode=0", 1}}) {
+        this->told();
+        const double before = m_pClock->now();
+        EXPECT_EQ(controller().setSensorVideoSystem(videoSystem, VideoResolution(1, 1)), 1);
+        EXPECT_GE(m_pClock->now(), before + 3);
+        EXPECT_THAT(this->told(), HasSubstr(told));
+        EXPECT_EQ(fromSensor(23), frequency);
+    }
+    takeErrors();
+    EXPECT_EQ(controller().setSensorVideoSystem(2, VideoResolution(1, 1)), 0);
+    EXPECT_EQ(takeErrors(), "BreltoISPSenseController::setSensorVideoSystem Failed, VideoSystem = 2");
+    EXPECT_EQ(told(), "");
+    EXPECT_EQ(controller().setParameterToSensor(23, 7), 1);
+    EXPECT_EQ(told(), "VideoSystem=7") << "the display knows two";
+}
+
+TEST_F(OnChipController, EverySettingReachesTheLibrary) {
+    ASSERT_EQ(bringUp(), 1);
+    controller().setDayNightMode(1);
+    const struct {
+        int id;
+        int value;
+        const char* told;
+        int read;             ///< back from the library, or always
+        const char* failed{}; ///< what the log says when the library refuses; null: it cannot
+    } settings[] = {
+        {1, 70, "Brtness=70", 70, "setBrightness failed"},
+        {2, -3, "SatDgr=-3", -3},
+        {3, 30, "Contrast=30", 30},
+        {4, 1, "GainCtrlMode=1", 1, "BrAewb_UiSetGainCtrlMode(1) failed | setGainMode failed "},
+        {5, 9000, "MaxGain4Auto=9000", 9000, "BrAewb_UiSetMaxGain4Auto failed Gain=9000 | setMaxGain failed "},
+        {6, 8000, "FixGain4Manu=8000", 8000, "BrAewb_UiSetFixGain4Manu failed ,Gain=8000 | setFixedGain failed "},
+        {7, 1, "ShutrCtrlMode=1", 1, "BrAewb_UiSetShutrCtrlMode(1) failed | setShutterMode failed "},
+        {8, 500, "MaxShutr4Auto=500", 500,
+         "BrAewb_UiSetMaxShutr4Auto failed MaxShutterTime = 500 | setMaxShutterMode failed "},
+        {9, 600, "FixShutr4Manu=600", 600,
+         "BrAewb_UiSetFixShutr4Manu failed FixedShutterTime = 600 | setFixedShutterMode failed "},
+        {10, 1, "", 0},
+        {13, 44, "Sharpness=44", 44},
+        {15, 2, "NightColorMode=2", 2},
+        {16, 4, "IncreaseValue=4", 16},
+        {18, 0, "IrisCtrlMod=0", 1},
+        {24, 1, "HlcCtrl=1", 1},
+        {25, 3, "AeCtrlMode=3", 3},
+        {30, 0, "MirrorFlipMode=0", 0},
+        {30, 1, "MirrorFlipMode=2", 0},
+        {30, 2, "MirrorFlipMode=1", 0},
+        {30, 3, "MirrorFlipMode=3", 0},
+        {32, 1, "HdrMode=1", 2},
+        {33, 1, "HdrMode=17", 1},
+        {34, 5, "", 0},
+        {37, 0, "DRV_SetKTNFWorkMode=0", 50},
+        {39, 0, "braewb_ioctrlParam=0", 1, "setDoorMode error! | setDoorMode failed"},
+        {57, 9, "", 5},
+        {58, 7, "", 18},
+        {59, 3, "", 0},
+        {60, 8, "", 6},
+        {61, 3, "", 0},
+        {62, 1, "DRV_SetKTNFWorkMode=0", 0},
+    };
+    for (const auto& [id, value, expected, read, failed] : settings) {
+        SCOPED_TRACE(id);
+        told();
+        EXPECT_EQ(controller().setParameterToSensor(id, value), 1);
+        EXPECT_EQ(told(), expected);
+        EXPECT_EQ(fromSensor(id), read);
+        if (*expected == '\0')
+            continue;
+        told();
+        controller().setParameterToSensor(id, value);
+        ASSERT_FALSE(m_Pipeline.calls().empty());
+        const std::string function = m_Pipeline.calls().front().function;
+        takeErrors();
+        m_Pipeline.setFailing(function, true);
+        EXPECT_EQ(controller().setParameterToSensor(id, value), failed == nullptr ? 1 : 0);
+        EXPECT_EQ(takeErrors(), failed == nullptr ? "" : failed);
+        m_Pipeline.setFailing(function, false);
+    }
+
+    for (const auto& [id, value, log] : {std::tuple{4, 2, "no such gain mode value(2) | setGainMode failed "},
+                                         {7, -1, "set shutter mode(-1) failed | setShutterMode failed "},
+                                         {26, 2, "p_nWBmode is out of range | setWBmode failed"},
+                                         {27, 6, "p_nWBmanual is out of range | setWBmanual failed"},
+                                         {28, 101, "p_nRedGain is out of range | setRedGain failed"},
+                                         {29, -1, "p_nBlueGain is out of range | setBlueGain failed"},
+                                         {30, 4, "CommonOperator.setMirrorMode Error: value(4) | setMirrorMode failed"},
+                                         {32, 4, "setHDRMode out of range,setHDRMode=4 | setHDRMode failed"},
+                                         {33, 2, "setHDRMode out of range,setHDRMode=2 | setHDRRunMode failed"},
+                                         {39, 2, "setDoorMode out of range,p_nMode=2 | setDoorMode failed"},
+                                         {58, 8, "failed:DTNTIME == NTDTIME,value = 830 | setDTNTime_H failed"}}) {
+        told();
+        takeErrors();
+        EXPECT_EQ(controller().setParameterToSensor(id, value), 0) << id;
+        EXPECT_EQ(takeErrors(), log);
+        EXPECT_EQ(told(), "");
+    }
+    EXPECT_EQ(controller().setParameterToSensor(14, 0), -1);
+    EXPECT_EQ(takeErrors(), "paramid=14 error ");
+    EXPECT_EQ(fromSensor(14), 0);
+    EXPECT_EQ(fromSensor(17), -1000);
+    EXPECT_EQ(takeErrors(), "paramid=17 error ");
+
+    m_Pipeline.setValue("BrAewb_UiGetGainCtrlMode", 2);
+    m_Pipeline.setValue("BrAewb_UiGetShutrCtrlMode", -1);
+    EXPECT_EQ(fromSensor(4) + fromSensor(7), -2000);
+    EXPECT_EQ(takeErrors(), "getGainModeFailed mode=2 | getGainMode failed  | get shutter mode failed mode=-1 | "
+                            "getShutterMode failed ");
+    int mirror = 5;
+    EXPECT_EQ(controller().getMirrorValue(mirror), 0);
+    EXPECT_EQ(mirror, 5);
+}
+
+TEST_F(OnChipController, FieldsShareTheirWord) {
+    ASSERT_EQ(bringUp(), 1);
+    const auto set = [this](int id, int value) {
+        told();
+        EXPECT_EQ(controller().setParameterToSensor(id, value), 1);
+        return told();
+    };
+    set(26, 0), set(27, 0), set(28, 0), set(29, 0);
+    EXPECT_EQ(set(29, 7), "WbCtrlMode=" + std::to_string(7 << 16));
+    EXPECT_EQ(set(28, 100), "WbCtrlMode=" + std::to_string(7 << 16 | 100 << 8));
+    EXPECT_EQ(set(26, 1), "WbCtrlMode=" + std::to_string(7 << 16 | 100 << 8 | 1));
+    m_Pipeline.setValue("BrAewb_UiGetWbCtrlMode", INT_MIN | 33 << 8);
+    EXPECT_EQ(fromSensor(28), 33);
+    EXPECT_EQ(fromSensor(29), 0x8000) << "without sign";
+    EXPECT_EQ(set(27, 5), "WbCtrlMode=" + std::to_string(INT_MIN | 33 << 8 | 5 << 4)) << "a read replaces the word";
+
+    set(36, 0), set(34, 0);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(set(35, 300), "NrCtrl=" + std::to_string(300 << 8)) << "300 runs over into the next field";
+    EXPECT_EQ(fromSensor(35), 300 - 256);
+    EXPECT_EQ(fromSensor(36), 1);
+    EXPECT_EQ(set(36, 2), "NrCtrl=" + std::to_string(2 << 16 | 44 << 8));
+    EXPECT_EQ(set(34, 2), "NrCtrl=" + std::to_string(2 << 16 | 44 << 8 | 1) + " NrCtrl=" + std::to_string(2 << 16 | 1));
+    int control = 0;
+    EXPECT_EQ(controller().getNRControl(control), 1);
+    EXPECT_EQ(control, 1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "set kongyu=300,m_nNR=76800\nget nrman = 76800\nget nrauto = 76800\nset max=2,m_nNR=142336\n"
+              "set nrcontrol=1,m_nNR=142337\nset kongyu=0,m_nNR=131073\nget nrcontrol = 131073\n");
+    controller().setParameters("(35,12)");
+    EXPECT_EQ(set(34, 1),
+              "NrCtrl=" + std::to_string(2 << 16 | 12 << 8 | 1) + " NrCtrl=" + std::to_string(2 << 16 | 12 << 8 | 1));
+
+    int word = 0x5a5a5a5a;
+    int value = 0;
+    EXPECT_EQ(controller().modifyAppointValue(word, 3, 7, 4), 1);
+    EXPECT_EQ(word, 0x5a5a5a3a);
+    EXPECT_EQ(controller().modifyAppointValue(word, -1, 31, 0), 1);
+    EXPECT_EQ(word, -1);
+    EXPECT_EQ(controller().getAppointValue(word, value, 0, 31), 1);
+    EXPECT_EQ(value, -1);
+    EXPECT_EQ(controller().getAppointValue(word, value, 31, 31), 1);
+    EXPECT_EQ(value, 1);
+    takeErrors();
+    for (const auto& [first, last] : {std::pair{-1, 3}, {3, 32}, {INT_MIN, INT_MAX}}) {
+        EXPECT_EQ(controller().modifyAppointValue(word, 0, first, last), 0);
+        EXPECT_EQ(controller().getAppointValue(word, value, last, first), 0);
+        EXPECT_EQ(takeErrors(), "modifyAppointValue() parameter error | getAppointValue() parameter error");
+    }
+    EXPECT_EQ(word, -1);
+}
+
+TEST_F(OnChipController, TheThresholdsKeepTheirBand) {
+    ASSERT_EQ(bringUp(), 1);
+    ASSERT_EQ(controller().setParameters("(12,100)"), 1);
+    ASSERT_EQ(controller().setParameters("(11,200)"), 1);
+    takeErrors();
+    EXPECT_EQ(controller().setParameterToSensor(11, 100), 0);
+    EXPECT_EQ(controller().setParameterToSensor(12, 200), 0);
+    EXPECT_EQ(takeErrors(), "ntd=100,dtn=100 | dtn=200,ntd=200");
+    EXPECT_EQ(controller().setParameters("(11,101)(12,100)"), 1);
+    EXPECT_EQ(m_Pipeline.getValue("BrAewb_UiGetDayToNightTransition"), 101);
+
+    for (const auto& [gain, status] : {std::pair{101, 0}, {100, 1}, {INT_MAX, 0}, {INT_MIN, 1}}) {
+        int judged = -1;
+        m_Pipeline.setValue("BrAewb_UiGetGain", gain);
+        EXPECT_EQ(controller().getDNStatusFromSensor(judged), 1);
+        EXPECT_EQ(judged, status);
+    }
+    ASSERT_EQ(controller().setParameters("(11,300)"), 1);
+    int judged = 7;
+    m_Pipeline.setValue("BrAewb_UiGetGain", 200);
+    EXPECT_EQ(controller().getDNStatusFromSensor(judged), 1);
+    EXPECT_EQ(judged, 7);
+
+    int gain = 0;
+    m_Pipeline.setValue("BrAewb_UiGetIso", INT_MIN);
+    EXPECT_EQ(controller().getCurrentGain(gain), 1);
+    EXPECT_EQ(gain, -52428800);
+    m_Pipeline.setValue("BrAewb_UiGetIso", -41);
+    controller().getCurrentGain(gain);
+    EXPECT_EQ(gain, -1) << "towards zero";
+}
+
+TEST_F(OnChipController, HdrFollowsDayAndNight) {
+    create();
+    EXPECT_EQ(controller().setHDRMode(3), 0) << "neither day nor night yet";
+    EXPECT_EQ(controller().setHDRMode(-1), 0);
+    ASSERT_EQ(bringUp(), 1);
+    EXPECT_EQ(controller().setParameters("(32,0)(33,1)"), 1);
+    EXPECT_EQ(controller().setParameters("(32,3)"), 1);
+    EXPECT_EQ(m_Pipeline.getValue("BrAewb_UiGetHdrMode"), 0x11);
+    m_Pipeline.setScene(0.2);
+    m_pClock->advance(3);
+    EXPECT_EQ(m_Pipeline.getValue("BrAewb_UiGetHdrMode"), 0x12);
+    EXPECT_EQ(controller().setParameters("(32,1)(33,0)"), 1);
+    EXPECT_EQ(controller().setParameters("(32,3)"), 1) << "and by night";
+    EXPECT_EQ(m_Pipeline.getValue("BrAewb_UiGetHdrMode"), 0x02);
+    m_Pipeline.setScene(5000);
+    m_pClock->advance(10);
+    EXPECT_EQ(m_Pipeline.getValue("BrAewb_UiGetHdrMode"), 0x01);
+}
+
+/// A day under the sample tuning file: the light alone drives gain, day/night and tuning.
+TEST_F(OnChipController, TheSceneDrivesDayNightAndTuning) {
+    std::ostringstream sample;
+    sample << std::ifstream(SENSORCONTROL_SOURCE_DIR "/docs/samples/ISPParam.xml").rdbuf();
+    m_Root.write("/hd1/program/config/ISPParam.xml", sample.str());
+    m_Pipeline.setScene(2000);
+    ASSERT_EQ(bringUp(), 1);
+    ASSERT_EQ(controller().setParameters("(57,5)"), 1);
+
+    const auto status = [this] { return m_Pipeline.getValue("BrAewb_UiSetDayNightStat"); };
+    const auto filter = [this] { return m_Pipeline.getValue("DRV_SetKTNFWorkMode"); };
+    const auto a0 = [this] { return m_Pipeline.getValue("DRV_SetKTNF_TNF_A0"); };
+    const auto offset = [this] { return m_Pipeline.getValue("DRV_isifSetDcSub"); };
+    m_pClock->advance(10);
+    EXPECT_EQ(status() + filter(), 0);
+    EXPECT_EQ(offset(), -32);
+
+    m_Pipeline.setScene(10); // gain 2.5
+    m_pClock->advance(2);
+    EXPECT_EQ(m_Pipeline.getExposure().shutter, 40000);
+    EXPECT_EQ(m_Pipeline.getExposure().gain, 10240);
+    EXPECT_EQ(filter(), 1);
+    EXPECT_EQ(a0(), 8);
+    EXPECT_EQ(status(), 0);
+    m_Pipeline.setScene(1); // gain 25: within the band
+    m_pClock->advance(2);
+    EXPECT_EQ(a0(), 24);
+    EXPECT_EQ(status(), 0);
+    m_Pipeline.setScene(0.5); // gain 50
+    m_pClock->advance(2);
+    EXPECT_EQ(status(), 1);
+    EXPECT_EQ(m_pGpio->getLevel(0, 12), 0) << "the filter is out of the way";
+    m_pClock->advance(2);
+    EXPECT_EQ(offset(), -64);
+    EXPECT_EQ(a0(), 40);
+
+    told();
+    m_pClock->advance(600);
+    EXPECT_EQ(told(), "") << "a steady scene costs no write";
+
+    m_Pipeline.setScene(1);
+    m_pClock->advance(600);
+    EXPECT_EQ(status(), 1) << "the band holds the night as it held the day";
+    m_Pipeline.setScene(100);
+    m_pClock->advance(4);
+    EXPECT_EQ(status(), 1) << "light must last";
+    m_pClock->advance(10);
+    EXPECT_EQ(status() + filter(), 0);
+    EXPECT_EQ(m_pGpio->getLevel(0, 12), 1);
+}
+
+/// The level of the HDR word is the background thread's, the run mode the host's. Shows its worth under the thread
+/// sanitizer.
+TEST_F(OnChipController, ThreadsLoseNoFieldOfASharedWord) {
+    ASSERT_EQ(bringUp(), 1);
+    controller().setDayNightMode(1);
+    m_pClock->advance(2);
+    constexpr int Rounds = 2000;
+    int lost = 0;
+    testing::internal::CaptureStdout();
+    {
+        const sensorhost::SimulatedClock::Absence absence(*m_pClock);
+        std::thread levels([this] {
+            for (int i = 0; i < Rounds; ++i)
+                controller().updateHDRMode(1 + i % 2);
+        });
+        std::thread modes([this, &lost] {
+            for (int i = 0; i < Rounds; ++i) {
+                int value = -1;
+                controller().setParameterToSensor(33, i % 2);
+                controller().getParameterFromSensor(33, value);
+                lost += value == i % 2 ? 0 : 1;
+            }
+        });
+        std::thread others([this] {
+            int value = 0;
+            for (int i = 0; i < Rounds / 10; ++i) {
+                controller().setParameterToSensor(32, i % 4);
+                controller().setParameterToSensor(62, i % 3);
+                controller().getParameterFromSensor(23, value);
+                controller().getCurrentGain(value);
+            }
+        });
+        for (std::thread* thread : {&levels, &modes, &others})
+            thread->join();
+    }
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(lost, 0);
+    EXPECT_EQ(m_Pipeline.getValue("BrAewb_UiGetHdrMode") >> 4, (Rounds - 1) % 2);
+}
+
+} // namespace
