@@ -13,6 +13,8 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using Words = std::vector<std::string>;
 
+constexpr const char* Samples = SENSORCONTROL_SOURCE_DIR "/docs/samples/moduleConfig";
+
 struct Misuse {
     const char* name;
     Words arguments;
@@ -43,6 +45,9 @@ INSTANTIATE_TEST_SUITE_P(
         Misuse{"unknownModule", {"get", "-m", "3", "-s"}, 1, "there are: "},
         Misuse{"unknownModuleInList", {"list", "-m", "0"}, 1, "no such module"},
         Misuse{"noPort", {"get", "-m", "16"}, 1, "a port is missing"},
+        Misuse{"moduleAndConfig", {"get", "-m", "16", "--config", Samples, "-s"}, 1, "--module excludes --config"},
+        Misuse{"boardWithoutConfig", {"get", "-m", "16", "--board", "A1", "-s"}, 1, "--config"},
+        Misuse{"noSuchProduct", {"ui", "--config", Samples, "--product", "toaster"}, 1, "--product 'toaster'"},
         Misuse{"portAndSimulated", {"get", "-m", "16", "-s", "-p", "/dev/null"}, 1, "excludes"},
         Misuse{"noValue", {"set", "-m", "16", "-s", "Brightness"}, 1, "try: Brightness=VALUE"},
         Misuse{"valueIsNoNumber", {"set", "-m", "16", "-s", "1=6x"}, 1, "\"6x\" in \"1=6x\" is no whole number"},
@@ -65,6 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
     PortsAndFiles, MisuseTest,
     ::testing::Values(Misuse{"missingDevice", {"get", "-m", "16", "-p", "/dev/ttyNone"}, 4, "No such file"},
                       Misuse{"noSerialPort", {"get", "-m", "16", "-p", "/dev/null"}, 4, "no serial port"},
+                      Misuse{"noConfig", {"ui", "--config", "/dev/null"}, 4, "there is no such file"},
                       Misuse{"root", {"get", "-m", "16", "-s", "--root", "/dev/null/x"}, 4, "try: --root"},
                       Misuse{"trace", {"get", "-m", "16", "-s", "--trace", "/dev/null/x"}, 4, "--trace /dev/null/x"},
                       Misuse{"linkIsAFile", {"simulate", "-m", "16", "--link", "/dev/null"}, 4, "try: another --link"}),
@@ -81,7 +87,7 @@ protected:
 
 TEST_F(CommandLineTest, everyCommandHelpsWithAnExampleThatItTakes) {
     for (const char* const command :
-         {"modules", "list", "get", "set", "reset", "run", "watch", "daynight", "trace", "decode", "simulate"}) {
+         {"modules", "list", "get", "set", "reset", "run", "watch", "daynight", "trace", "decode", "simulate", "ui"}) {
         const ToolProcess::Result result = run({command, "--help"});
         EXPECT_EQ(result.code, 0);
         EXPECT_THAT(result.err, IsEmpty());
