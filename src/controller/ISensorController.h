@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controller/ParamScheme.h"
+#include "controller/RecursiveMutex.h"
 #include "controller/SensorLog.h"
 #include "host/BRDeviceTime.h"
 #include "host/BRMutex.h"
@@ -184,7 +185,7 @@ public:
     int readCurrentParam(int& scheme, std::string& text);
     int readParamByScheme(int scheme, std::string& text);
     void reInitSchemeTimeMember();
-    /// 0, or -1 if the switch failed.
+    /// 0, or -1 if no span covers the clock or the switch failed.
     int paramSchemeSwitchBody();
     int initParamSchemeList();
     int getParamSchemeNum(int& count);
@@ -313,7 +314,8 @@ protected:
     SafePointer<SensorLog> m_pErrorLog;
     SafePointer<SensorLog> m_pInitLog;
     std::atomic<int> m_nHDRMode{0};
-    BRMutex m_ParamMutex; ///< the caches during the parameter operations
+    /// The caches, the span and the choice of scheme during an operation that has several steps.
+    sensorcontrol::RecursiveMutex m_ParamMutex;
     int m_nDebugMode = 0;
     std::vector<std::unique_ptr<SensorConfigFile>> m_ConfigFiles;
     std::vector<std::unique_ptr<ParamScheme>> m_ParamSchemes;
@@ -348,6 +350,10 @@ private:
     int driveInfraredLight(int level);
     int setSwitchTime(std::atomic<int>& time, int newTime, const std::atomic<int>& otherTime, const char* name);
     bool isSpanChecked() const { return m_bisInited && !m_bisReset; }
+    int findDueScheme(int& scheme, std::string& text);
+    SchemeSpan spanOf(int scheme) const;
+    void undoSwitch(int scheme, const SchemeSpan& span, int schemeBefore);
+    void keepSpanInForce(std::string& text) const;
     void storeSpanStart(int time);
     void storeSpanEnd(int time);
     SensorConfigFile* schemeFile(int scheme) const;
@@ -355,16 +361,20 @@ private:
     int loadCurrentCache(const std::string& text);
     int initSchemeFiles(const std::string& all);
     void alignFile(SensorConfigFile& file, const std::string& all);
-    void copyFactoryFile(const SensorConfigFile& file);
+    void copyFactoryFile(const std::string& path);
+    void createDisabledScheme(const SensorConfigFile& file);
     void loadSchemes();
+    void readSchemeChoice();
+    int writeSchemeChoice();
     static bool hasSchemeChoice();
     static std::unique_ptr<ISPParam, TuningDeleter> createTuningTable();
     static std::unique_ptr<EE, TuningDeleter> createEdgeEnhancement();
     void applyTNF(int value);
 
-    /// A change reads and rewrites sensor.xml: the thread's scheme and the host's mode must not undo each other.
-    BRMutex m_SchemeChoiceMutex;
     /// The noise filter, from the look at its mode to the last value sent: the table must not open what the user
     /// closes.
     BRMutex m_FilterMutex;
+
+    /// A change reads and rewrites sensor.xml: the thread's scheme and the host's mode must not undo each other.
+    BRMutex m_SchemeChoiceMutex;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/BreltoTime.h"
 #include "host/ModuleConfigure.h"
 #include "host/VideoResolution.h"
 #include "host/imaging/ImagingStandIn.h"
@@ -52,6 +53,8 @@ public:
         if (ofBase != -1)
             return ofBase;
         note("set " + std::to_string(id) + "=" + std::to_string(value));
+        if (m_nSettingTime > 0)
+            BreltoTime::wait(BreltoTime(0, m_nSettingTime));
         return m_FailingIds.contains(id) ? 0 : 1;
     }
     int UpdateParameters(std::string& parameters) override {
@@ -83,7 +86,8 @@ public:
     std::atomic<int> m_nStatus{1}; ///< day or night as the module reports it, -1: the base class's answer
     int m_nUpdatedId = 0;          ///< changed inside the module
     int m_nUpdatedValue = 0;
-    bool m_bNotes = true; ///< off where several threads call
+    int m_nSettingTime = 0; ///< microseconds that a setting takes
+    bool m_bNotes = true;   ///< off where several threads call
 
     using ISensorController::m_BaseSensorStatus;
     using ISensorController::m_bisInited;
