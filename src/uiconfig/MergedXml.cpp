@@ -17,6 +17,9 @@ using sensorhost::XmlShape;
 
 namespace {
 
+constexpr std::size_t DetailLimit = 16UL * 1024;
+constexpr long KeysReadLimit = 20'000'000;
+
 /// What the device's 32-bit long makes of it, on every machine.
 std::optional<int> keyOf(const TiXmlElement& element) {
     const TiXmlAttribute* const first = element.FirstAttribute();
@@ -75,7 +78,7 @@ public:
 
     bool parse() {
         if (!m_bParsed)
-            m_bValid = m_Parser.parse(m_strText) != 0;
+            m_bValid = m_strText.size() <= DetailLimit && m_Parser.parse(m_strText) != 0;
         m_bParsed = true;
         return m_bValid;
     }
@@ -106,8 +109,8 @@ int MergedXml::setStyleModifyPath(std::string path) {
     return 1;
 }
 
-int MergedXml::getStyleMergedString(std::string detail, std::string& text) {
-    if (!mergeStyleXml(std::move(detail))) {
+int MergedXml::getStyleMergedString(const std::string& detail, std::string& text) {
+    if (!mergeStyleXml(detail)) {
         std::puts("mergeStyleXml failed");
         return 0;
     }
@@ -164,21 +167,23 @@ int MergedXml::apply(const TiXmlElement& block) {
     const TiXmlElement* directive = block.FirstChildElement();
     for (; directive != nullptr; directive = directive->NextSiblingElement()) {
         const std::string& name = directive->ValueStr();
-        if (name == "Delete")
-            deleteTabs(*directive);
-        else if ((name == "AddAfter" && !addAfter(*directive)) || (name == "AddBefore" && !addBefore(*directive)))
+        if ((name == "Delete" && !deleteTabs(*directive)) || (name == "AddAfter" && !addAfter(*directive)) ||
+            (name == "AddBefore" && !addBefore(*directive)))
             return 0;
     }
     return 1;
 }
 
-void MergedXml::deleteTabs(const TiXmlElement& directive) {
+int MergedXml::deleteTabs(const TiXmlElement& directive) {
     const TiXmlElement* entry = directive.FirstChildElement();
     for (; entry != nullptr; entry = entry->NextSiblingElement()) {
         const std::optional<int> key = keyOf(*entry);
         const int tabs = key ? removeTabs(*key) : 0;
         report({.kind = MergeReport::EditKind::Delete, .key = key, .tabs = tabs, .isDone = true});
+        if (!isWithinReason())
+            return 0;
     }
+    return 1;
 }
 
 int MergedXml::deleteTabNode(int key) {
@@ -192,6 +197,7 @@ int MergedXml::removeTabs(int key) {
     int count = 0;
     while (tab != nullptr) {
         TiXmlElement* const next = tab->NextSiblingElement();
+        ++m_nKeysRead;
         if (keyOf(*tab) == key) {
             tab->Clear();
             root->RemoveChild(tab);
@@ -219,6 +225,8 @@ int MergedXml::addAfter(const TiXmlElement& directive) {
             last = m_StyleOriginal.FirstChildElement()->InsertAfterChild(found, *tab);
             report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*predecessor), .tabs = 1, .isDone = true});
             predecessor = tab;
+            if (!isWithinReason())
+                return 0;
         }
     }
     return 1;
@@ -236,6 +244,8 @@ int MergedXml::addBefore(const TiXmlElement& directive) {
             m_StyleOriginal.FirstChildElement()->InsertBeforeChild(found, *tab);
             report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*anchor), .tabs = 1, .isDone = true});
         }
+        if (!isWithinReason())
+            return 0;
     }
     return 1;
 }
@@ -247,15 +257,23 @@ TiXmlNode* MergedXml::findAnchor(const TiXmlElement& anchor) {
     return result;
 }
 
-int MergedXml::findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result) const {
+int MergedXml::findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result) {
     TiXmlElement* child = parent != nullptr ? parent->FirstChildElement() : nullptr;
     for (; child != nullptr; child = child->NextSiblingElement()) {
+        ++m_nKeysRead;
         if (keyOf(*child) == key) {
             result = child;
             return 1;
         }
     }
     return 0;
+}
+
+bool MergedXml::isWithinReason() const {
+    if (m_nKeysRead <= KeysReadLimit)
+        return true;
+    std::printf("%s is given up: tabs times edits are too many\n", m_strStyleModifyPath.c_str());
+    return false;
 }
 
 void MergedXml::report(const MergeReport::Edit& edit) {
@@ -279,10 +297,10 @@ int MergedXml::setLangModifyPath(std::string path) {
     return 1;
 }
 
-int MergedXml::mergeLangXml(std::string /*detail*/) { return 1; }
+int MergedXml::mergeLangXml(const std::string& /*detail*/) { return 1; }
 
-int MergedXml::getLangMergedString(std::string detail, std::string& text) {
-    if (!mergeLangXml(std::move(detail)))
+int MergedXml::getLangMergedString(const std::string& detail, std::string& text) {
+    if (!mergeLangXml(detail))
         return 0;
     text = printed(m_LangOriginal);
     return 1;

@@ -12,7 +12,8 @@
 ///
 /// The children of the base document's root are the tabs; the first attribute of a tab, whatever its name, is its key,
 /// read as a leading decimal number, 0 if there is none. A tab without attributes has no key and is found by none.
-/// Beyond 1 MiB, 64 elements within each other, 32,768 nodes or 1,024 attributes of an element a file is refused.
+/// Beyond 1 MiB, 64 elements within each other, 32,768 nodes or 1,024 attributes of an element a file is refused; a
+/// merge that has looked at 20 million keys is given up.
 class SENSORCONTROL_API MergedXml {
 public:
     MergedXml();
@@ -26,22 +27,22 @@ public:
     int setStyleModifyPath(std::string path);
 
     /// Merges for a module of this detail text and prints the result. 1, or 0 with `text` untouched.
-    int getStyleMergedString(std::string detail, std::string& text);
+    int getStyleMergedString(const std::string& detail, std::string& text);
     /// The merge alone: its result stays here. 1, or 0 if a file cannot be read or is refused, the detail text cannot
-    /// be parsed, or no tab has the key that a new tab is to be put beside.
+    /// be parsed (or has more than 16 KiB), or no tab has the key that a new tab is to be put beside.
     int mergeStyleXml(std::string detail);
 
     /// Removes every tab of the key. Always 1.
     int deleteTabNode(int key);
     /// 1 and the first child element of `parent` with the key, or 0 with `result` untouched.
-    int findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result) const;
+    int findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result);
 
     /// Language texts are not merged: the paths are stored, mergeLangXml does nothing, getLangMergedString gives the
     /// empty text. Always 1.
     int setLangOriginalPath(std::string path);
     int setLangModifyPath(std::string path);
-    int mergeLangXml(std::string detail);
-    int getLangMergedString(std::string detail, std::string& text);
+    int mergeLangXml(const std::string& detail);
+    int getLangMergedString(const std::string& detail, std::string& text);
 
     /// Lets the next merge write down what it does; null, as at the start, for nothing.
     void setReport(sensorcontrol::MergeReport* report) { m_pReport = report; }
@@ -52,11 +53,13 @@ private:
     /// 1, or 0 if the detail text cannot be parsed; whether all conditions of the block hold.
     int evaluate(const TiXmlElement& block, ModuleDetail& detail, bool& applies);
     int apply(const TiXmlElement& block);
-    void deleteTabs(const TiXmlElement& directive);
+    int deleteTabs(const TiXmlElement& directive);
     int addAfter(const TiXmlElement& directive);
     int addBefore(const TiXmlElement& directive);
     int removeTabs(int key);
     TiXmlNode* findAnchor(const TiXmlElement& anchor);
+    /// False, after a message, if the merge costs more than any useful one.
+    bool isWithinReason() const;
     void report(const sensorcontrol::MergeReport::Edit& edit);
     int failAt(sensorcontrol::MergeReport::EditKind kind, const TiXmlElement& anchor);
 
@@ -68,5 +71,6 @@ private:
     std::string m_strLangModifyPath;
     TiXmlDocument m_LangOriginal;
     TiXmlDocument m_LangModify;
+    long m_nKeysRead = 0;
     sensorcontrol::MergeReport* m_pReport = nullptr;
 };

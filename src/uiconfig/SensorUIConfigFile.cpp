@@ -51,13 +51,14 @@ std::string SensorUIConfigFile::getStyleDiversityPath() const {
     return m_strStyleDiversityPath + '/' + m_strPrefix + "StyleDiversity.xml";
 }
 
-int SensorUIConfigFile::init(std::string detail) {
+// Hosts are built against this signature.
+int SensorUIConfigFile::init(std::string detail) { // NOLINT(performance-unnecessary-value-param)
     std::vector<SensorLanguageConfig> languages;
     if (!SensorLanguageConfigParser::parse(m_strLanguageConfigFile, languages)) {
         std::puts("parse SensorLanguageConfig.xml failed ");
         return 0;
     }
-    if (!loadStyle(std::move(detail)))
+    if (!loadStyle(detail))
         return 0;
     for (const SensorLanguageConfig& language : languages)
         loadLanguage(language.getLanguageId(), language.getFolderName());

@@ -37,16 +37,15 @@ public:
     const std::string& getUICommonConfigString(int languageId) const;
     const std::string& getUILanguageConfigString(int languageId) const;
 
-    /// Where the module's style comes from: the base, and the variations, which need not be there.
-    std::string getStylePath() const;
-    std::string getStyleDiversityPath() const;
-
     /// Lets the merge of the next init write down what it does; null, as at the start, for nothing.
     void setMergeReport(sensorcontrol::MergeReport* report) { m_pMergeReport = report; }
 
 private:
     using Texts = std::map<int, std::string>;
 
+    /// Where the module's style comes from: the base, and the variations, which need not be there.
+    std::string getStylePath() const;
+    std::string getStyleDiversityPath() const;
     int loadStyle(const std::string& detail);
     void loadLanguage(int languageId, const std::string& folder);
     int readLanguageText(const std::string& path, std::string& text) const;

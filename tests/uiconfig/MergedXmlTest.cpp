@@ -180,6 +180,7 @@ TEST_F(MergeTest, filesAndDetailsThatCannotBeRead) {
         m_Root.remove(present);
     }
     EXPECT_EQ(merge("<s/>", "<b k='1'/>", "broken").console, "parse detail failed\nmergeStyleXml failed\n");
+    EXPECT_EQ(merge("<s/>", "<b k='1'/>", "k=" + std::string(16'384, 'x')).result, 0);
     EXPECT_EQ(merge("<s/>", "<b/>", "broken").result, 1) << "no condition asks for it";
 }
 
@@ -228,6 +229,10 @@ TEST_F(MergeTest, refusesWhatIsTooLargeOrTooDeepByWhateverItIsHidden) {
     }
     EXPECT_EQ(merge(times(64, "<a>") + times(64, "</a>"), "<b/>").result, 1);
     EXPECT_THAT(merge("<s/>", "<b>" + times(32'768, "<t/>") + "</b>").console, HasSubstr("32768 nodes"));
+    EXPECT_THAT(merge("<s>" + times(30'000, "<t a='1'/>") + "</s>",
+                      "<b k='1'><Delete>" + times(30'000, "<t a='2'/>") + "</Delete></b>")
+                    .console,
+                HasSubstr("/diversity.xml is given up: tabs times edits are too many\n"));
     EXPECT_THAT(merge(std::string(10UL * 1024 * 1024, ' '), "<b/>").console,
                 HasSubstr("/style.xml has 10485760 bytes, more than the 1048576 that are taken\n"));
 }

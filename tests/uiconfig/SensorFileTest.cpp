@@ -161,8 +161,11 @@ TEST_F(SensorFileTest, theGuiDescriptionIsReadWholeOrNotAtAll) {
     EXPECT_EQ(file.initUIInitConfigString("/gui"), 1);
     EXPECT_EQ(file.getUISensorConfig_V1(), std::string("a\0b", 3));
     m_Root.write("/gui", std::string(4UL * 1024 * 1024 + 1, 'x'));
+    ::testing::internal::CaptureStdout();
     EXPECT_EQ(file.initUIInitConfigString("/gui"), 0);
     EXPECT_EQ(file.initUIInitConfigString("/"), 0);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "/gui has 4194305 bytes, more than the 4194304 that are taken\n"
+                                                        "ISensorController::initUIInitConfigString error\n");
     EXPECT_EQ(file.getUISensorConfig_V1().size(), 3U);
     m_Root.write("/gui", "");
     EXPECT_EQ(file.initUIInitConfigString("/gui"), 1);
@@ -233,7 +236,10 @@ TEST_F(SensorFileTest, anEmptyPrefixAndAFolderOfItsOwn) {
     EXPECT_EQ(files.getUICommonConfigString(4), "common");
     EXPECT_EQ(files.getUILanguageConfigString(4), "lang");
     EXPECT_EQ(files.getUILanguageConfigString(5), "") << "language 1 is not there either";
-    EXPECT_THAT(files.getStyleDiversityPath(), EndsWith("/ui/styleDiversity/StyleDiversity.xml"));
+    m_Root.write("/ui/styleDiversity/StyleDiversity.xml", "");
+    m_Root.write("/ui/style/Style.xml", "<s/>");
+    EXPECT_EQ(files.init(""), 1);
+    EXPECT_EQ(files.getUIStyleConfigString(), "<s />\n");
 }
 
 TEST_F(SensorFileTest, oneFolderUnderAThousandIdsDoesNotFillTheMemory) {
