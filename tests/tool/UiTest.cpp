@@ -120,4 +120,10 @@ TEST_F(UiTest, bringsTheChosenModuleUp) {
     EXPECT_THAT(run("list", {}).out, HasSubstr("Brightness"));
 }
 
+TEST_F(UiTest, bringsAModuleWithoutAPortUp) {
+    const ToolProcess::Result result = run("get", {"--product", "bullet", "--gpio", "memory", "Brightness"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(result.out, "1 Brightness 50\n");
+}
+
 } // namespace

@@ -116,8 +116,9 @@ void Session::startBlock() {
 
 void Session::bringUp() {
     const std::string device = m_pBlock != nullptr ? m_pBlock->portPath() : m_Options.device();
+    const std::string shown = device.empty() ? "the chip" : device;
     RestoreReport report;
-    m_pProgress = std::make_unique<Progress>(m_Output, device);
+    m_pProgress = std::make_unique<Progress>(m_Output, shown);
     addListener([this](const TraceLine& line) { m_pProgress->onLine(line); });
     // The shell lines of a first start complain of files that cannot be there yet.
     const Output::Hush hush(m_Output);
@@ -126,7 +127,7 @@ void Session::bringUp() {
                    ModuleConfigure(m_Options.moduleId, m_Options.detailText(device), m_Options.parametersText()));
     m_pGuard->disarm();
     m_pProgress->end();
-    checkBringUp(device, m_ErrorLog.takeNew());
+    checkBringUp(shown, m_ErrorLog.takeNew());
     for (const std::string& line : m_InitLog.takeNew())
         m_Output.note("warning: " + line);
     for (const std::string& line : report.lines(controller(), m_Parameters, values()))

@@ -185,7 +185,8 @@ void TargetOptions::check(bool needsPort) const {
     if (moduleId < 0)
         throw Failure(Usage, "--module is required", {"try: --module 16, or --config DIR; sensorctl modules"});
     checkModule(moduleId);
-    if (needsPort && !simulated && device().empty())
+    // A configuration that names no port is that of a module that has none.
+    if (needsPort && !simulated && device().empty() && selection.folder.empty())
         throw Failure(Usage, "a port is missing", {"try: --port /dev/ttyUSB0, or --simulated"});
     if (simulated)
         checkSimulated(moduleId);
@@ -224,13 +225,15 @@ TargetOptions::Keys TargetOptions::detailKeys() const {
 
 std::string TargetOptions::detailText(const std::string& device) const {
     Keys keys = detailKeys();
-    keys[portKey()] = device;
+    if (!device.empty())
+        keys[portKey()] = device;
     return textOf(keys);
 }
 
 std::string TargetOptions::parametersText() const {
     Keys keys = m_RecordParameters;
-    keys[portKey()] = lineText();
+    if (simulated || !device().empty())
+        keys[portKey()] = lineText();
     return textOf(keys);
 }
 
