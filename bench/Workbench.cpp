@@ -3,6 +3,7 @@
 #include "controller/SenseControllerFactory.h"
 #include "host/ModuleConfigure.h"
 #include "host/VideoResolution.h"
+#include "host/imaging/ImagingStandIn.h"
 #include "host/linux/HostSettings.h"
 #include "host/linux/MemoryGpio.h"
 #include "host/linux/SerialPort.h"
@@ -63,6 +64,7 @@ Workbench::Workbench() : m_pClock(std::make_shared<sensorhost::SimulatedClock>()
 }
 
 Workbench::~Workbench() {
+    m_pOnChipController = SafePointer<ISensorController>();
     m_pController = SafePointer<ISensorController>();
     sensorhost::installClock(nullptr);
     m_pServer.reset();
@@ -77,6 +79,27 @@ SafePointer<ISensorController> Workbench::start() {
     if (!controller->init(1, configure, VideoResolution(1920, 1080)))
         std::abort();
     return controller;
+}
+
+ISensorController& Workbench::onChipController() {
+    if (m_pOnChipController.get() == nullptr) {
+        Quiet quiet;
+        std::filesystem::create_directories(m_strRoot + "/hd1/program/config");
+        std::ofstream(m_strRoot + "/hd1/program/config/ISPParam.xml")
+            << "<ispParam><config><DN enable='1'><day min='1' max='2'><item name='DC' value='-32'/></day></DN>"
+               "<GAIN enable='1'><low min='0' max='400'><item name='A0' value='8'/><item name='TM' value='4'/></low>"
+               "<high min='400' max='9999'><item name='A0' value='24'/><item name='TM' value='12'/></high></GAIN>"
+               "</config></ispParam>";
+        sensorhost::ImagingStandIn::getInstance().setScene(2);
+        m_pOnChipController = SenseControllerFactory::create(4);
+        m_pOnChipController->setOperator(SafePointer<IUARTController>(),
+                                         SafePointer<IGPIO>(new sensorhost::MemoryGpio));
+        const ModuleConfigure configure(4, "isInfrared=0;autoIris=0;GPIO=0,12,1;TNF=1", "");
+        if (!m_pOnChipController->init(1, configure, VideoResolution(1920, 1080)))
+            std::abort();
+        m_pClock->advance(5);
+    }
+    return *m_pOnChipController;
 }
 
 void Workbench::bringUpOnce() {

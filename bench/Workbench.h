@@ -20,6 +20,9 @@ public:
     ISensorController& controller() { return *m_pController; }
     const std::string& portPath() const { return m_strLink; }
 
+    /// A controller of the on-chip pipeline before a dim scene, tuned by status and gain; up from the first call on.
+    ISensorController& onChipController();
+
     /// Brings a further controller up on the same files and destroys it.
     void bringUpOnce();
 
@@ -31,6 +34,7 @@ private:
     std::shared_ptr<sensorhost::SimulatedClock> m_pClock;
     std::unique_ptr<camerasim::PtyServer> m_pServer;
     SafePointer<ISensorController> m_pController;
+    SafePointer<ISensorController> m_pOnChipController;
 };
 
 /// The one of this process.

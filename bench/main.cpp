@@ -116,6 +116,19 @@ void fromCharsOverParameterString(benchmark::State& state) {
 }
 BENCHMARK(fromCharsOverParameterString);
 
+/// What a pass of the background thread adds while the scene is steady: its decision and its tuning, without its sleep.
+void steadyPass(benchmark::State& state) {
+    ISensorController& controller = workbench().onChipController();
+    int gain = 0;
+    for (auto unused : state) {
+        controller.DNSwitchHandle();
+        controller.setISPParam("DN", 1);
+        controller.getCurrentGain(gain);
+        controller.setISPParam("GAIN", gain);
+    }
+}
+BENCHMARK(steadyPass);
+
 /// Everything but the waits, which pass on the simulated clock; includes the destruction.
 void bringUpBeyondItsWaits(benchmark::State& state) {
     workbench();
@@ -193,6 +206,14 @@ bool checkAllocations() {
         report("allocations per get of one value", allocationsPer(100, [&] { controller.getParameter(1, value); }), 0);
     isKept &= report("allocations per get of several values",
                      allocationsPer(100, [&] { controller.getParameters("(1)(2)(500)", result); }), 0);
+    ISensorController& onChip = workbench().onChipController();
+    isKept &= report("allocations per pass of the background thread",
+                     allocationsPer(100,
+                                    [&] {
+                                        onChip.DNSwitchHandle();
+                                        onChip.ISPParamBody();
+                                    }),
+                     0);
     return isKept;
 }
 

@@ -43,17 +43,14 @@ TEST_F(IRPower, ReadsTheSample) {
 }
 
 TEST_F(IRPower, BrokenFilesSayWhatIsMissing) {
-    const std::string whole = "<item zoomup='1' far='2' mid='3' near='4'/>";
-    ASSERT_EQ(loadText("<IRConfig><IRPower>" + whole + "</IRPower></IRConfig>"), 0);
-    for (const auto& [text, result] : {
-             std::pair{"", -4},
-             {"<IRConfig><IRPower>", -4},
-             {"<IRConfig/>", -1},
-             {"<IRConfig><IRPower><item zoomup='1' far='2' mid='3' near='4'/><item zoomup='1' far='2' mid='3'/>"
-              "</IRPower></IRConfig>",
-              -3},
-             {"<IRConfig><IRPower><item zoomup='99999999999' far='2' mid='3' near='4'/></IRPower></IRConfig>", -3},
-         }) {
+    const std::string whole = "<IRConfig><IRPower><item zoomup='1' far='2' mid='3' near='4'/>";
+    ASSERT_EQ(loadText(whole + "</IRPower></IRConfig>"), 0);
+    for (const auto& [text, result] :
+         {std::pair<std::string, int>{"", -4},
+          {whole, -4},
+          {"<IRConfig/>", -1},
+          {whole + "<item zoomup='1' far='2' mid='3'/></IRPower></IRConfig>", -3},
+          {whole + "<item zoomup='99999999999' far='2' mid='3' near='4'/></IRPower></IRConfig>", -3}}) {
         EXPECT_EQ(loadText(text), result) << text;
         EXPECT_EQ(m_Param.getIrPower().size(), 1U) << "a failure leaves the table alone";
     }
@@ -77,17 +74,15 @@ TEST_F(IRPower, BrokenFilesSayWhatIsMissing) {
 
 TEST_F(IRPower, KeepsTheVersionBesideTheTable) {
     int version = 0;
-    {
-        IRPowerDefaultConfig config;
-        EXPECT_EQ(config.setVersion(1, Path, 5), 0);
-        EXPECT_EQ(config.getVersion(1, Path, version), 0);
-        EXPECT_EQ(version, 5);
-        m_Root.remove(Path);
-        EXPECT_EQ(config.setVersion(1, Path, 5), 0);
-        EXPECT_EQ(m_Root.read(Path), "<none>") << "what the file is known to have is not written again";
-        EXPECT_EQ(config.open(1, Path, 2), 1);
-        config.close();
-    }
+    IRPowerDefaultConfig first;
+    EXPECT_EQ(first.setVersion(1, Path, 5), 0);
+    EXPECT_EQ(IRPowerDefaultConfig().getVersion(1, Path, version), 0);
+    EXPECT_EQ(version, 5);
+    m_Root.remove(Path);
+    EXPECT_EQ(first.setVersion(1, Path, 5), 0);
+    EXPECT_EQ(m_Root.read(Path), "<none>") << "what the file is known to have is not written again";
+    EXPECT_EQ(first.open(1, Path, 2), 1);
+    first.close();
     EXPECT_EQ(IRPowerDefaultConfig().getVersion(1, Path, version), 0);
     EXPECT_EQ(version, 5) << "a new file gets the version known";
 
