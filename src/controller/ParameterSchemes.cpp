@@ -442,6 +442,9 @@ void ISensorController::storeSpanStart(int time) {
 
 void ISensorController::storeSpanEnd(int time) {
     m_nParamSchemeEndTime = time;
+    // A new text's start of 00:00 needs no setter: its end, which always has one, completes the record.
+    if (ParamScheme* record = schemeRecord(m_nParamScheme))
+        record->setStartTime(m_nParamSchemeStartTime);
     setParamSchemeEndTime(m_nParamScheme, time);
     std::printf("set end time:%d\n", time);
 }

@@ -130,6 +130,16 @@ TEST_F(SchemeDay, AStartInAGapLeavesEverySpanAlone) {
     EXPECT_THAT(values("(1)"), "(1,101)");
 }
 
+TEST_F(SchemeDay, AfterAResetTheFirstSchemeHasTheWholeDay) {
+    start({{1, 480, 720}, {1, 730, 800}}, 600);
+    ASSERT_EQ(c().resetParameters(), 1);
+    m_pClock->setTimeOfDay(3, 0);
+    int scheme = -1;
+    std::string text;
+    EXPECT_EQ(c().readCurrentParam(scheme, text), 1);
+    EXPECT_EQ(scheme, 0);
+}
+
 TEST_F(SchemeDay, AManualChoiceKeepsItsSpanOverAStart) {
     const std::vector<Scheme> schemes{{1, 0, Day}, {0, 60, 120}};
     start(schemes, 780);

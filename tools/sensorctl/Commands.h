@@ -20,6 +20,9 @@ int getParameters(Output& output, const TargetOptions& target, const std::vector
 int setParameters(Output& output, const TargetOptions& target, const std::vector<std::string>& assignments, bool flush);
 int resetParameters(Output& output, const TargetOptions& target, bool toLast);
 
+/// Shows the schemes; words: what to do with them first, such as "choose 1".
+int schemes(Output& output, const TargetOptions& target, const std::vector<std::string>& words);
+
 /// Keeps the module up and takes commands from standard input. A script ends at its first failure, whose code is the
 /// result; keepGoing: goes on to its end first.
 int runCommands(Output& output, const TargetOptions& target, bool keepGoing);
@@ -66,6 +69,8 @@ int applyParameters(Output& output, Session& session, const std::vector<std::str
 void showAllParameters(Output& output, Session& session);
 void flushParameters(Output& output, Session& session);
 void resetParameters(Output& output, Session& session, bool toLast);
+/// As the command "scheme". Throws Failure.
+void workOnSchemes(Output& output, Session& session, const std::vector<std::string>& words);
 /// auto, day, night, clock, module. Throws Failure.
 void setDayNight(Session& session, const std::string& mode);
 void showDayNight(Output& output, Session& session);

@@ -24,6 +24,8 @@ constexpr const char* Help = R"(  get [ID|NAME...]        values, all without a 
   reset                   factory values, saved
   last                    the values saved last
   daynight [MODE]         state and mode; auto, day, night, clock or module sets the mode
+  scheme [WORDS]          the schemes; auto, manual, choose N, span N 08:00-12:30, enable N,
+                          disable N, copy FROM TO change them
   frames [N]              the last N lines of the wire, by default 20
   wait SECONDS            wait
   help                    this text
@@ -81,6 +83,10 @@ int Interpreter::execute(const std::string& line) {
     }
     if (command == "daynight") {
         daynight(words);
+        return Done;
+    }
+    if (command == "scheme") {
+        workOnSchemes(m_Output, m_Session, words);
         return Done;
     }
     if (BlockConsole::knows(command)) {

@@ -69,9 +69,9 @@ constexpr const char* SilenceHint =
 } // namespace
 
 Session::Session(Output& output, const TargetOptions& options)
-    : m_Output(output), m_Options(options), m_Parameters(options.moduleId), m_Folder(options.rootFolder()),
-      m_ErrorLog(m_Folder.pathOf(ErrorLogFile)), m_InitLog(m_Folder.pathOf(InitLogFile)),
-      m_Trace(makeDecoder(options.moduleId)) {
+    : m_Output(output), m_Options(options), m_Parameters(options.moduleId),
+      m_Folder(options.rootFolder(), options.schemes), m_ErrorLog(m_Folder.pathOf(ErrorLogFile)),
+      m_InitLog(m_Folder.pathOf(InitLogFile)), m_Trace(makeDecoder(options.moduleId)) {
     if (!m_Options.trace.empty()) {
         if (m_Options.trace != "-")
             m_Output.setTraceFile(m_Options.trace);
@@ -132,6 +132,18 @@ void Session::bringUp() {
         m_Output.note("warning: " + line);
     for (const std::string& line : report.lines(controller(), m_Parameters, values()))
         m_Output.note(line);
+    settleSchemes();
+}
+
+void Session::settleSchemes() {
+    try {
+        const int scheme = schemes().settle();
+        if (scheme >= 0)
+            m_Output.note("scheme " + std::to_string(scheme) + " put back in force from " +
+                          RestoreReport::filePath(scheme));
+    } catch (const Failure& failure) {
+        m_Output.report(failure);
+    }
 }
 
 void Session::checkBringUp(const std::string& device, const std::vector<std::string>& errors) {

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "LogTail.h"
 #include "Parameters.h"
+#include "SchemeDesk.h"
 #include "StateFolder.h"
 #include "TargetOptions.h"
 #include "WireTrace.h"
@@ -55,6 +56,8 @@ public:
     /// Day/night as the module or the board reports it: 1 day, 0 night. Throws Failure.
     int dayNightStatus();
 
+    SchemeDesk schemes() { return SchemeDesk(controller()); }
+
     void set(const sensorcontrol::ParameterInfo& parameter, int value);
     /// Gives the path of the file that was written.
     std::string flush();
@@ -63,6 +66,7 @@ public:
 
 private:
     void startBlock();
+    void settleSchemes();
     void checkBringUp(const std::string& device, const std::vector<std::string>& errors);
     /// Runs an operation of the library; throws what the log and the wire say of it if it gives 0.
     template <class Operation>

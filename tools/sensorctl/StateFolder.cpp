@@ -4,6 +4,7 @@
 #include "host/XmlConfigureTool.h"
 #include "host/linux/HostSettings.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -19,7 +20,7 @@ namespace {
 constexpr const char* Folders[] = {"/mnt/mtd/code/config_file", "/mnt/mtd/log", "/hd1/moduleConfig"};
 constexpr const char* SchemeCountFile = "/hd1/moduleConfig/sensorAbility.xml";
 
-bool createSchemeCountFile() {
+bool createSchemeCountFile(int count) {
     XmlConfigureTool tool;
     if (!tool.open(SchemeCountFile, 1, XmlConfigureTool::Create))
         return false;
@@ -27,7 +28,7 @@ bool createSchemeCountFile() {
     XmlConfigureNode node("paramScheme");
     XmlConfigureItem item;
     item.setProperty("name", "SchemeNum");
-    item.setProperty("value", 1);
+    item.setProperty("value", count);
     node.addItem(item);
     tool.addConfigNode(node);
     return tool.close() != 0;
@@ -35,7 +36,7 @@ bool createSchemeCountFile() {
 
 } // namespace
 
-StateFolder::StateFolder(const std::string& folder) : m_strFolder(folder) {
+StateFolder::StateFolder(const std::string& folder, int schemes) : m_strFolder(folder) {
     try {
         prepare();
         lock();
@@ -45,7 +46,8 @@ StateFolder::StateFolder(const std::string& folder) : m_strFolder(folder) {
         throw;
     }
     sensorhost::setRootFolder(m_strFolder);
-    if (!std::filesystem::exists(pathOf(SchemeCountFile)) && !createSchemeCountFile())
+    const bool isMissing = !std::filesystem::exists(pathOf(SchemeCountFile));
+    if ((isMissing || schemes > 0) && !createSchemeCountFile(std::max(schemes, 1)))
         throw Failure(Trouble, pathOf(SchemeCountFile) + " cannot be written");
 }
 

@@ -8,7 +8,8 @@ namespace sensorctl {
 /// to find: its folders, and a file that says there is one scheme. Throws Failure with Trouble where that fails.
 class StateFolder {
 public:
-    explicit StateFolder(const std::string& folder);
+    /// schemes: how many the installation is to have; 0 leaves that as it is.
+    StateFolder(const std::string& folder, int schemes);
     ~StateFolder();
     StateFolder(const StateFolder&) = delete;
     StateFolder& operator=(const StateFolder&) = delete;

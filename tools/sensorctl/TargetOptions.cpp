@@ -143,6 +143,10 @@ void TargetOptions::declare(CLI::App& command) {
     command.add_option("--root", root, "folder of the library's files, by default one per module in the user's state")
         ->group(target)
         ->type_name("DIR");
+    command.add_option("--schemes", schemes, "give the installation so many parameter schemes, from now on")
+        ->group(target)
+        ->check(CLI::Range(1, 100))
+        ->type_name("COUNT");
     command.add_option("--gpio", gpio, "chip: the machine's pins; memory: none (the default with --simulated)")
         ->group(target)
         ->check(CLI::IsMember({"chip", "memory"}))

@@ -26,6 +26,7 @@ struct TargetOptions {
     std::string videoSystem = "pal";
     std::string resolution = "1920x1080";
     std::string root;
+    int schemes = 0; ///< how many the installation is to have; 0: as it is
     std::string gpio;
     std::vector<std::string> faults;
     std::string trace;

@@ -99,6 +99,14 @@ void declareLiveCommands(CLI::App& app, CommandLine& line) {
     line.target.declare(*command);
     command->add_flag("--keep-going", line.keepGoing, "do not end a script at its first failure");
 
+    command = declare(app, line, "scheme",
+                      "Show the parameter schemes; auto, manual, choose N, span N 08:00-12:30, enable N, disable N and "
+                      "copy FROM TO change them",
+                      "sensorctl scheme --module 16 --simulated --schemes 3 span 1 18:00-24:00",
+                      [&line](Output& output) { return schemes(output, line.target, line.words); });
+    line.target.declare(*command);
+    command->add_option("words", line.words, "what to do with them")->type_name("WORDS");
+
     command = declare(app, line, "watch",
                       "A line for each change of the day/night state or of a value; with --simulated standard input "
                       "takes the block's commands (dark, light, fault ...)",

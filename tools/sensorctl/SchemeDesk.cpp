@@ -1,0 +1,210 @@
+#include "SchemeDesk.h"
+
+#include "Failure.h"
+#include "Interrupt.h"
+#include "Parameters.h"
+#include "RestoreReport.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace sensorctl {
+
+namespace {
+
+// The ids that every scheme has: flag, then start and end as an hour and tens of minutes.
+constexpr int FlagId = 500;
+constexpr int StartHourId = 501;
+constexpr int EndHourId = 503;
+constexpr int LastSpanId = 504;
+
+constexpr std::chrono::milliseconds PollSpan{50};
+constexpr int PollCount = 100;
+
+std::string group(int id, int value) { return '(' + std::to_string(id) + ',' + std::to_string(value) + ')'; }
+
+std::string timeGroups(int hourId, int minutes) {
+    return group(hourId, minutes / 60) + group(hourId + 1, minutes % 60 / 10);
+}
+
+int minutesOf(const std::map<int, int>& values, int hourId) {
+    const auto valueOf = [&values](int id) {
+        const auto found = values.find(id);
+        return found != values.end() ? found->second : 0;
+    };
+    return valueOf(hourId) * 60 + valueOf(hourId + 1) * 10;
+}
+
+std::string name(int scheme) { return "scheme " + std::to_string(scheme); }
+
+} // namespace
+
+SchemeDesk::SchemeDesk(ISensorController& controller) : m_Controller(controller) {
+    int count = 0;
+    // What the installation's file asks for; the library makes no more than a hundred.
+    if (m_Controller.getParamSchemeNum(count))
+        m_nCount = std::clamp(count, 0, 100);
+}
+
+int SchemeDesk::inForce() const {
+    int scheme = -1;
+    m_Controller.getParamScheme(scheme);
+    return m_nCount > 0 ? scheme : -1;
+}
+
+bool SchemeDesk::isAutomatic() const {
+    int mode = 0;
+    m_Controller.getParamMode(mode);
+    return mode != 0;
+}
+
+std::vector<SchemeDesk::Scheme> SchemeDesk::list() const {
+    const int current = inForce();
+    int due = -1;
+    std::string text;
+    m_Controller.readCurrentParam(due, text);
+    std::vector<Scheme> schemes;
+    for (int i = 0; i < m_nCount; ++i) {
+        Scheme scheme{i, RestoreReport::filePath(i), false, false, 0, 0, i == current, i == due};
+        std::map<int, int> values;
+        text.clear();
+        if (i == current)
+            m_Controller.getParameters("(500)(501)(502)(503)(504)", text);
+        if (text.empty())
+            m_Controller.readParamByScheme(i, text);
+        scheme.isReadable = parseParameterString(text, values) && values.count(FlagId) != 0;
+        if (scheme.isReadable) {
+            scheme.isEnabled = values[FlagId] != 0;
+            scheme.from = minutesOf(values, StartHourId);
+            scheme.to = minutesOf(values, EndHourId);
+        }
+        schemes.push_back(scheme);
+    }
+    return schemes;
+}
+
+void SchemeDesk::checkIndex(int scheme) const {
+    if (scheme >= 0 && scheme < m_nCount)
+        return;
+    if (m_nCount == 0)
+        throw Failure(Refused, "there are no parameter schemes",
+                      {"reason: sensorAbility.xml does not say how many", "try: --schemes 3"});
+    throw Failure(Usage, "there is no scheme " + std::to_string(scheme),
+                  {"there are: 0 to " + std::to_string(m_nCount - 1), "try: --schemes for more"});
+}
+
+std::map<int, int> SchemeDesk::saved(int scheme) const {
+    std::string text;
+    std::map<int, int> values;
+    if (!m_Controller.readParamByScheme(scheme, text) || !parseParameterString(text, values) || values.empty())
+        throw Failure(Trouble, name(scheme) + ": its file holds no parameters",
+                      {"file: " + RestoreReport::filePath(scheme), "try: scheme copy, from one that is whole"});
+    return values;
+}
+
+void SchemeDesk::setAutomatic(bool isAutomatic) {
+    if (!m_Controller.setParamMode(isAutomatic ? 1 : 0))
+        throw Failure(Trouble, "the mode of the schemes could not be saved",
+                      {"reason: sensor.xml is missing, broken or read-only", "try: delete it, and start again"});
+}
+
+void SchemeDesk::choose(int scheme) {
+    checkIndex(scheme);
+    saved(scheme);
+    if (!m_Controller.setParamScheme(scheme))
+        throw Failure(Refused, name(scheme) + ": the module did not take all of its values",
+                      {"try: sensorctl trace, for what the block said; a span must not end where it starts"});
+}
+
+void SchemeDesk::checkSaved() const {
+    const int scheme = inForce();
+    if (scheme < 0 || scheme >= m_nCount)
+        return;
+    std::map<int, int> now;
+    std::string unsaved;
+    for (const auto& [id, value] : saved(scheme)) {
+        std::string text;
+        now.clear();
+        if (m_Controller.getParameters('(' + std::to_string(id) + ')', text) && parseParameterString(text, now) &&
+            now[id] != value)
+            unsaved += (unsaved.empty() ? "" : ", ") + std::to_string(id) + ' ' + std::to_string(now[id]) + " (saved " +
+                       std::to_string(value) + ')';
+    }
+    if (!unsaved.empty())
+        throw Failure(Refused, name(scheme) + " is in force with values that are not saved: " + unsaved,
+                      {"try: flush, or scheme choose " + std::to_string(scheme) + " to drop them"});
+}
+
+void SchemeDesk::edit(int scheme, const std::string& what, const std::string& text, bool isSpan) {
+    const int before = inForce();
+    const bool wasAutomatic = isAutomatic();
+    if (wasAutomatic)
+        setAutomatic(false); // the clock must not come in between
+    std::string trouble;
+    try {
+        // A file that is broken is written anew from what is in force.
+        std::string old;
+        std::map<int, int> values;
+        const bool isWhole =
+            m_Controller.readParamByScheme(scheme, old) && parseParameterString(old, values) && !values.empty();
+        if (isWhole)
+            choose(scheme);
+        // Without a span in force the new one meets no cross-check with the old one's halves.
+        if (isSpan)
+            m_Controller.reInitSchemeTimeMember();
+        if (!m_Controller.setParameters(text))
+            trouble = "the module did not take all of it";
+        else if (!m_Controller.flush())
+            trouble = "it could not be saved";
+    } catch (const Failure& failure) {
+        trouble = failure.what();
+    }
+    if (before != scheme || !trouble.empty())
+        m_Controller.setParamScheme(before);
+    if (wasAutomatic)
+        setAutomatic(true);
+    if (!trouble.empty())
+        throw Failure(Refused, what + ": " + trouble, {"try: sensorctl trace, for what the block said"});
+}
+
+void SchemeDesk::setSpan(int scheme, const DaySpan& span) {
+    checkIndex(scheme);
+    if (span.from % 10 != 0 || span.to % 10 != 0)
+        throw Failure(Usage, "span " + span.text() + ": a scheme starts and ends on ten minutes");
+    edit(scheme, "span of " + name(scheme), timeGroups(StartHourId, span.from) + timeGroups(EndHourId, span.to), true);
+}
+
+void SchemeDesk::setEnabled(int scheme, bool isEnabled) {
+    checkIndex(scheme);
+    edit(scheme, name(scheme), group(FlagId, isEnabled ? 1 : 0), false);
+}
+
+void SchemeDesk::copy(int from, int to) {
+    checkIndex(from);
+    checkIndex(to);
+    if (from == to)
+        throw Failure(Usage, "a scheme is not copied onto itself");
+    std::string text;
+    for (const auto& [id, value] : saved(from))
+        if (id < FlagId || (id > LastSpanId && id != SensorConfigFile::VersionId && id != SensorConfigFile::Version2Id))
+            text += group(id, value);
+    edit(to, "copy onto " + name(to), text, false);
+}
+
+int SchemeDesk::settle() {
+    const int scheme = inForce();
+    int due = -1;
+    std::string text;
+    const bool isCovered = m_Controller.readCurrentParam(due, text) != 0;
+    if (scheme < 0 || scheme >= m_nCount || due == scheme)
+        return -1;
+    if (!isCovered || !isAutomatic()) {
+        choose(scheme);
+        return scheme;
+    }
+    for (int i = 0; i < PollCount && inForce() != due; ++i)
+        Interrupt::sleep(PollSpan);
+    return -1;
+}
+
+} // namespace sensorctl
