@@ -6,8 +6,8 @@
 #include "host/linux/HostSettings.h"
 #include "host/linux/MemoryGpio.h"
 #include "host/linux/SimulatedClock.h"
-#include "support/BlockPort.h"
 #include "support/TempRoot.h"
+#include "tools/sensorctl/BlockPort.h"
 
 #include <memory>
 #include <string>

@@ -8,8 +8,8 @@
 #include "host/linux/MemoryGpio.h"
 #include "host/linux/SimulatedClock.h"
 #include "support/BareController.h"
-#include "support/BlockPort.h"
 #include "support/TempRoot.h"
+#include "tools/sensorctl/BlockPort.h"
 
 #include <map>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/IUARTController.h"
-#include "support/BlockPort.h"
+#include "tools/sensorctl/BlockPort.h"
 
 #include <algorithm>
 #include <deque>

@@ -27,6 +27,14 @@ int schemes(Output& output, const TargetOptions& target, const std::vector<std::
 /// result; keepGoing: goes on to its end first.
 int runCommands(Output& output, const TargetOptions& target, bool keepGoing);
 
+struct DayOptions {
+    bool isWanted = false;
+    std::string light = "06:30-20:00";
+    std::string plot; ///< file of the drawing; empty: none
+};
+/// Plays a whole day on a simulated clock and a simulated module and tells what moved when and why.
+int playDay(Output& output, const TargetOptions& target, const DayOptions& options);
+
 struct DayNightOptions {
     std::string mode;       ///< to set; empty: none
     std::string ambient;    ///< "dark" or "light" at the simulated block; empty: as it is

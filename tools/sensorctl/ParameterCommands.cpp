@@ -37,12 +37,40 @@ std::string numberText(const std::optional<int>& value) { return value ? std::to
 
 Json numberJson(const std::optional<int>& value) { return value ? Json(*value) : Json(); }
 
-void recordValue(Output& output, const ParameterInfo& parameter, int value) {
+/// The scheme in force, where there is a choice; the values that a scheme has of its own belong to it.
+class SchemeColumn {
+public:
+    SchemeColumn() = default;
+    explicit SchemeColumn(Session& session) {
+        const SchemeDesk desk = session.schemes();
+        m_bHasChoice = desk.count() > 1;
+        if (desk.inForce() >= 0)
+            m_Scheme = desk.inForce();
+    }
+
+    std::optional<int> of(const ParameterInfo& parameter) const {
+        return parameter.kind == IdManager::Common ? m_Scheme : std::nullopt;
+    }
+    std::string text(const ParameterInfo& parameter) const {
+        const std::optional<int> scheme = of(parameter);
+        return m_bHasChoice && scheme ? "scheme " + std::to_string(*scheme) : std::string();
+    }
+
+private:
+    std::optional<int> m_Scheme;
+    bool m_bHasChoice = false;
+};
+
+void recordValue(Output& output, const SchemeColumn& scheme, const ParameterInfo& parameter, int value) {
     Json object;
     object["id"] = parameter.id;
     object["name"] = parameter.name;
     object["value"] = value;
-    output.record(std::to_string(parameter.id) + ' ' + parameter.name + ' ' + std::to_string(value), object);
+    object["scheme"] = numberJson(scheme.of(parameter));
+    std::string text = std::to_string(parameter.id) + ' ' + parameter.name + ' ' + std::to_string(value);
+    if (const std::string column = scheme.text(parameter); !column.empty())
+        text += ' ' + column;
+    output.record(text, object);
 }
 
 void recordSetting(Output& output, const ParameterInfo& parameter, int value, const char* result) {
@@ -68,8 +96,12 @@ const char* resultText(ExitCode code) {
 
 std::string listLine(const std::string& id, const std::string& name, const std::string& accepts,
                      const std::string& factory, const std::string& kind, const std::string& value,
-                     const std::string& condition) {
-    return lineOf({{id, 4}, {name, -16}, {accepts, -8}, {factory, 7}, {kind, -12}, {value, 5}, {condition}});
+                     const std::string& scheme, const std::string& condition) {
+    std::string rest = scheme;
+    if (!scheme.empty() && !condition.empty())
+        rest += "  ";
+    rest += condition;
+    return lineOf({{id, 4}, {name, -16}, {accepts, -8}, {factory, 7}, {kind, -12}, {value, 5}, {rest}});
 }
 
 std::string moduleLine(const std::string& id, const std::string& name, const std::string& count,
@@ -77,7 +109,8 @@ std::string moduleLine(const std::string& id, const std::string& name, const std
     return lineOf({{id, 2}, {name, -28}, {count, 10}, {simulated}});
 }
 
-void recordParameter(Output& output, const ParameterInfo& parameter, const std::optional<int>& value) {
+void recordParameter(Output& output, const SchemeColumn& scheme, const ParameterInfo& parameter,
+                     const std::optional<int>& value) {
     Json object;
     object["id"] = parameter.id;
     object["name"] = parameter.name;
@@ -88,10 +121,11 @@ void recordParameter(Output& output, const ParameterInfo& parameter, const std::
     object["factory"] = numberJson(parameter.factoryValue);
     object["kind"] = Parameters::kindText(parameter);
     object["value"] = numberJson(value);
+    object["scheme"] = numberJson(scheme.of(parameter));
     object["condition"] = parameter.condition;
     output.record(listLine(std::to_string(parameter.id), parameter.name, Parameters::acceptsText(parameter),
                            numberText(parameter.factoryValue), Parameters::kindText(parameter), numberText(value),
-                           parameter.condition),
+                           scheme.text(parameter), parameter.condition),
                   object);
 }
 
@@ -121,37 +155,41 @@ int listParameters(Output& output, const TargetOptions& target, bool catalogueOn
     target.check(false);
     std::map<int, int> values;
     std::unique_ptr<Session> session;
+    SchemeColumn scheme;
     if (target.hasPort() && !catalogueOnly) {
         session = std::make_unique<Session>(output, target);
         session->bringUp();
         values = session->values();
+        scheme = SchemeColumn(*session);
     }
-    output.heading(listLine("id", "name", "accepts", "factory", "kind", "value", "condition"));
+    output.heading(listLine("id", "name", "accepts", "factory", "kind", "value", "", "condition"));
     const Parameters parameters(target.moduleId);
     for (const ParameterInfo& parameter : parameters.all()) {
         const auto held = values.find(parameter.id);
-        recordParameter(output, parameter, held != values.end() ? std::optional(held->second) : std::nullopt);
+        recordParameter(output, scheme, parameter, held != values.end() ? std::optional(held->second) : std::nullopt);
     }
     return Done;
 }
 
 void showParameters(Output& output, Session& session, const std::vector<std::string>& names) {
+    const SchemeColumn scheme(session);
     if (names.empty()) {
         for (const auto& [id, value] : session.values())
-            recordValue(output, *session.parameters().findId(id), value);
+            recordValue(output, scheme, *session.parameters().findId(id), value);
         return;
     }
     std::vector<const ParameterInfo*> wanted;
     for (const std::string& name : names)
         wanted.push_back(&session.parameters().find(name));
     for (const ParameterInfo* const parameter : wanted)
-        recordValue(output, *parameter, session.readValue(*parameter));
+        recordValue(output, scheme, *parameter, session.readValue(*parameter));
 }
 
 void showAllParameters(Output& output, Session& session) {
+    const SchemeColumn scheme(session);
     for (const auto& [id, value] : session.readAll())
         if (const ParameterInfo* const parameter = session.parameters().findId(id))
-            recordValue(output, *parameter, value);
+            recordValue(output, scheme, *parameter, value);
 }
 
 int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments) {

@@ -28,6 +28,7 @@ public:
 
     /// Those in the list, with the span in memory for the one in force and the saved one for all others.
     std::vector<Scheme> list() const;
+    int count() const { return m_nCount; }
     /// -1 without schemes.
     int inForce() const;
     bool isAutomatic() const;

@@ -28,6 +28,7 @@ struct CommandLine {
     bool keepGoing = false;
     double seconds = 0;
     DayNightOptions dayNight;
+    DayOptions day;
     SimulateOptions simulate;
     UiOptions ui;
     int decodedModule = 16;
@@ -91,6 +92,20 @@ void declareParameterCommands(CLI::App& app, CommandLine& line) {
     command->add_flag("--last", line.toLast, "the values saved last instead");
 }
 
+CLI::Option* declareDay(CLI::App& command, CommandLine& line) {
+    const std::string group = "Day";
+    CLI::Option* const day = command.add_flag("--day", line.day.isWanted,
+                                              "play a whole day in seconds, on a copy of the library's files: what "
+                                              "moved when, and why; needs --simulated");
+    day->group(group);
+    command.add_option("--light", line.day.light, "when it is light, 06:30-20:00 by default")
+        ->group(group)
+        ->type_name("SPAN")
+        ->needs(day);
+    command.add_option("--plot", line.day.plot, "draw the day")->group(group)->type_name("FILE.svg")->needs(day);
+    return day;
+}
+
 void declareLiveCommands(CLI::App& app, CommandLine& line) {
     CLI::App* command =
         declare(app, line, "run", "Keep the module up and take commands from a prompt or a script on standard input",
@@ -99,13 +114,17 @@ void declareLiveCommands(CLI::App& app, CommandLine& line) {
     line.target.declare(*command);
     command->add_flag("--keep-going", line.keepGoing, "do not end a script at its first failure");
 
-    command = declare(app, line, "scheme",
-                      "Show the parameter schemes; auto, manual, choose N, span N 08:00-12:30, enable N, disable N and "
-                      "copy FROM TO change them",
-                      "sensorctl scheme --module 16 --simulated --schemes 3 span 1 18:00-24:00",
-                      [&line](Output& output) { return schemes(output, line.target, line.words); });
+    command =
+        declare(app, line, "scheme",
+                "Show the parameter schemes; auto, manual, choose N, span N 08:00-12:30, enable N, disable N and "
+                "copy FROM TO change them",
+                "sensorctl scheme --module 16 --simulated --schemes 3 span 1 18:00-24:00", [&line](Output& output) {
+                    return line.day.isWanted ? playDay(output, line.target, line.day)
+                                             : schemes(output, line.target, line.words);
+                });
     line.target.declare(*command);
-    command->add_option("words", line.words, "what to do with them")->type_name("WORDS");
+    CLI::Option* const words = command->add_option("words", line.words, "what to do with them")->type_name("WORDS");
+    declareDay(*command, line)->excludes(words);
 
     command = declare(app, line, "watch",
                       "A line for each change of the day/night state or of a value; with --simulated standard input "
@@ -118,9 +137,12 @@ void declareLiveCommands(CLI::App& app, CommandLine& line) {
         ->type_name("SECONDS");
 
     command = declare(app, line, "daynight", "Show the day/night state and mode, set the mode, wait for a switch",
-                      "sensorctl daynight --module 16 --simulated --ambient dark --wait 5",
-                      [&line](Output& output) { return dayNight(output, line.target, line.dayNight); });
+                      "sensorctl daynight --module 16 --simulated --ambient dark --wait 5", [&line](Output& output) {
+                          return line.day.isWanted ? playDay(output, line.target, line.day)
+                                                   : dayNight(output, line.target, line.dayNight);
+                      });
     line.target.declare(*command);
+    declareDay(*command, line);
     command->add_option("mode", line.dayNight.mode, "auto, day, night, clock or module")
         ->check(CLI::IsMember({"auto", "day", "night", "clock", "module"}))
         ->type_name("WORD");

@@ -1,4 +1,4 @@
-#include "support/BlockPort.h"
+#include "BlockPort.h"
 
 #include "host/BRDeviceTime.h"
 #include "host/BreltoTime.h"
