@@ -44,8 +44,8 @@ TEST_F(BringUpTest, savesWhatWasSetAndRestoresItAtTheNextStart) {
 
     result = run(simulated("get", {"--json", "BRIGHTNESS", "9"}));
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.out,
-              "{\"id\":1,\"name\":\"Brightness\",\"value\":70}\n{\"id\":9,\"name\":\"WDRMode\",\"value\":2}\n");
+    EXPECT_EQ(result.out, "{\"id\":1,\"name\":\"Brightness\",\"value\":70,\"scheme\":0}\n"
+                          "{\"id\":9,\"name\":\"WDRMode\",\"value\":2,\"scheme\":0}\n");
     EXPECT_THAT(result.err, HasSubstr("from sensor1.cfg, 2 unlike the factory's: Brightness 70 (factory 50), "
                                       "WDRMode 2 (factory 3)"));
 

@@ -30,6 +30,7 @@ int runCommands(Output& output, const TargetOptions& target, bool keepGoing);
 struct DayOptions {
     bool isWanted = false;
     std::string light = "06:30-20:00";
+    std::string hours = "00:00-24:00"; ///< the part of the day that is played
     std::string plot; ///< file of the drawing; empty: none
 };
 /// Plays a whole day on a simulated clock and a simulated module and tells what moved when and why.

@@ -21,7 +21,6 @@ namespace sensorctl {
 
 namespace {
 
-constexpr int DaySeconds = TimeOfDay::MinutesPerDay * 60;
 constexpr const char* PortName = "in-process";
 
 std::string clockText(int second) {
@@ -71,16 +70,16 @@ bool isSame(const Sight& one, const Sight& other) {
            one.isFilterIn == other.isFilterIn && one.lights == other.lights;
 }
 
-/// Plays a day of a module's life on a simulated clock, from midnight to midnight, in a copy of the folder with the
+/// Plays hours of a day of a module's life on a simulated clock, in a copy of the folder with the
 /// library's files: nothing of it stays.
 class DayPlay {
 public:
     /// Throws Failure. The record of each event goes to the output as it happens.
-    DayPlay(Output& output, const TargetOptions& options, const Sky& sky);
+    DayPlay(Output& output, const TargetOptions& options, const Sky& sky, const DaySpan& hours);
     DayRecord run();
 
 private:
-    void start();
+    void bringUp();
     void observe(int second);
     void tell(int second, const std::string& what, const std::string& value, const std::string& why);
     std::string whyPicture(const DayRecord::Moment& now);
@@ -91,6 +90,7 @@ private:
     Output& m_Output;
     const TargetOptions& m_Options;
     const Sky m_Sky;
+    const DaySpan m_Hours;
     const ScratchFolder m_Scratch;
     const StateFolder m_Folder;
     const std::shared_ptr<sensorhost::SimulatedClock> m_pClock;
@@ -102,17 +102,19 @@ private:
     int m_nSchemeChange = -1; ///< second of the last switch
 };
 
-DayPlay::DayPlay(Output& output, const TargetOptions& options, const Sky& sky)
-    : m_Output(output), m_Options(options), m_Sky(sky), m_Scratch(options.rootFolder()),
-      m_Folder(m_Scratch.path(), options.schemes), m_pClock(std::make_shared<sensorhost::SimulatedClock>(0, 0)),
-      m_ClockGuard(m_pClock), m_pWorld(DayWorld::create(options)) {}
+DayPlay::DayPlay(Output& output, const TargetOptions& options, const Sky& sky, const DaySpan& hours)
+    : m_Output(output), m_Options(options), m_Sky(sky), m_Hours(hours), m_Scratch(options.rootFolder()),
+      m_Folder(m_Scratch.path(), options.schemes),
+      m_pClock(std::make_shared<sensorhost::SimulatedClock>(hours.from / 60, hours.from % 60)), m_ClockGuard(m_pClock),
+      m_pWorld(DayWorld::create(options)) {}
 
 DayRecord DayPlay::run() {
-    const double midnight = m_pClock->now();
-    m_pWorld->setSky(m_Sky.lux(0), m_Sky.isLight(0));
-    start();
-    for (int second = 0; second <= DaySeconds; ++second) {
-        const double rest = midnight + second - m_pClock->now();
+    const int first = m_Hours.from * 60;
+    const double start = m_pClock->now();
+    m_pWorld->setSky(m_Sky.lux(m_Hours.from), m_Sky.isLight(m_Hours.from));
+    bringUp();
+    for (int second = first; second <= m_Hours.to * 60; ++second) {
+        const double rest = start + second - first - m_pClock->now();
         if (rest < 0)
             continue; // the bring-up takes a few
         const double minutes = second / 60.0;
@@ -128,7 +130,7 @@ DayRecord DayPlay::run() {
     return m_Record;
 }
 
-void DayPlay::start() {
+void DayPlay::bringUp() {
     const Output::Hush hush(m_Output);
     m_Manager.setUARTController(m_pWorld->port());
     m_Manager.setGPIO(m_pWorld->pins());
@@ -231,7 +233,8 @@ int playDay(Output& output, const TargetOptions& target, const DayOptions& optio
     const DaySpan light = DaySpan::parse(options.light, "--light");
     if (!target.simulated)
         throw Failure(Usage, "--day plays on a simulated block", {"try: --simulated in place of --port"});
-    const DayRecord day = DayPlay(output, target, Sky(light)).run();
+    const DaySpan hours = DaySpan::parse(options.hours, "--hours");
+    const DayRecord day = DayPlay(output, target, Sky(light), hours).run();
     if (!options.plot.empty())
         drawDay(day, "Module " + std::to_string(target.moduleId) + ", a day with light from " + light.text(),
                 options.plot);

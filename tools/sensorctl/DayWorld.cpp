@@ -32,26 +32,28 @@ private:
 Sight BlockWorld::look() {
     Sight sight;
     sight.isLight = m_bLight;
-    m_Port->line().withBlock([&](const camerasim::CameraBlock& block, std::int64_t) {
-        constexpr std::uint32_t stateDay = 3;
-        constexpr std::uint32_t boardNight = 1;
-        if (const auto state = block.registerValue("day/night"))
-            sight.isDayPicture = sight.isFilterIn = *state == stateDay;
-        // With an infrared board it is the board that is told, and that moves what it has.
-        const auto board = block.registerValue("infrared board: day/night");
-        if (!m_bInfraredBoard || !board)
-            return;
-        sight.lights = 0;
-        if (*board == 0)
-            return;
+    std::optional<std::uint32_t> state;
+    std::optional<std::uint32_t> board;
+    std::uint32_t power = 0;
+    for (const camerasim::RegisterState& one :
+         m_Port->line().withBlock([](const camerasim::CameraBlock&block, std::int64_t) { return block.registers(); })) {
+        if (one.name == "day/night")
+            state = one.value;
+        else if (one.name == "infrared board: day/night")
+            board = one.value;
+        else if (one.name.starts_with("infrared board:") && one.name.ends_with(" light"))
+            power = std::max(power, one.value);
+    }
+    constexpr std::uint32_t stateDay = 3;
+    constexpr std::uint32_t boardNight = 1;
+    if (state)
+        sight.isDayPicture = sight.isFilterIn = *state == stateDay;
+    if (!m_bInfraredBoard || !board)
+        return sight;
+    // With an infrared board it is the board that is told, and that moves what it has.
+    sight.lights = *board == boardNight ? static_cast<int>(power) : 0;
+    if (*board != 0)
         sight.isDayPicture = sight.isFilterIn = *board != boardNight;
-        std::uint32_t power = 0;
-        for (const char* const light : {"near", "middle", "far"})
-            power =
-                std::max(power, block.registerValue(std::string("infrared board: ") + light + " light").value_or(0));
-        if (*board == boardNight)
-            sight.lights = static_cast<int>(power);
-    });
     return sight;
 }
 

@@ -102,6 +102,7 @@ CLI::Option* declareDay(CLI::App& command, CommandLine& line) {
         ->group(group)
         ->type_name("SPAN")
         ->needs(day);
+    command.add_option("--hours", line.day.hours, "play only these")->group(group)->type_name("SPAN")->needs(day);
     command.add_option("--plot", line.day.plot, "draw the day")->group(group)->type_name("FILE.svg")->needs(day);
     return day;
 }

@@ -2,8 +2,8 @@
 
 _sensorctl() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="modules list get set reset run watch daynight trace decode simulate ui"
-    local target="--module --config --product --board --port --line --simulated --detail --video-system --resolution --root --gpio --trace --fault
+    local commands="modules list get set reset run watch scheme daynight trace decode simulate ui"
+    local target="--module --config --product --board --port --line --simulated --detail --video-system --resolution --root --schemes --gpio --trace --fault
         --baud-pace --simulated-restart"
     local common="--help --json --verbose"
     COMPREPLY=()
@@ -27,7 +27,7 @@ _sensorctl() {
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
         return
         ;;
-    --trace | --link | --state)
+    --trace | --link | --state | --plot)
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
         ;;
@@ -70,7 +70,8 @@ _sensorctl() {
     reset) options+=" $target --last" ;;
     run) options+=" $target --keep-going" ;;
     watch) options+=" $target --for" ;;
-    daynight) options+=" $target --wait --ambient" ;;
+    daynight) options+=" $target --wait --ambient --day --light --hours --plot" ;;
+    scheme) options+=" $target --day --light --hours --plot" ;;
     trace) options+=" $target --for" ;;
     decode) options+=" --module" ;;
     simulate) options+=" --module --link --baud --fault --state" ;;
@@ -83,6 +84,7 @@ _sensorctl() {
     fi
     case ${COMP_WORDS[1]} in
     daynight) mapfile -t COMPREPLY < <(compgen -W "auto day night clock module" -- "$current") ;;
+    scheme) mapfile -t COMPREPLY < <(compgen -W "auto manual choose span enable disable copy" -- "$current") ;;
     get | set | trace)
         local index module=
         for ((index = 2; index < COMP_CWORD; ++index)); do
