@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
@@ -115,6 +116,10 @@ bool BRFile::State::replaceBy(const char* bytes, std::size_t length) {
     if (readAt(file, old.data(), oldLength, 0) != static_cast<ssize_t>(oldLength))
         return false;
 
+    // Most saves change nothing, above all those of a start, and flash wears.
+    if (!created && old == std::string_view(bytes, length))
+        return true;
+    written = true;
     if (length > oldLength && !reserve(file, status.st_size, newEnd)) {
         truncateTo(file, status.st_size);
         return false;
@@ -185,7 +190,6 @@ int BRFile::write(const void* bytes, int length) {
         return -1;
     }
     s.created = false;
-    s.written = true;
     return length;
 }
 
