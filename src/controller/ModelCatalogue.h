@@ -36,6 +36,7 @@ struct ParameterInfo {
 struct ModelInfo {
     int moduleId;
     std::string className;
+    bool hasPort; ///< a camera block on a serial port; otherwise the on-chip pipeline
     /// Ascending by id.
     std::vector<ParameterInfo> parameters;
 };

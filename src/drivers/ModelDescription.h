@@ -11,6 +11,7 @@ namespace sensorcontrol {
 struct ModelDescription {
     const char* className;
     std::span<const ParameterRow> rows; ///< ascending by id
+    bool hasPort = true;                ///< a camera block on a serial port
     int waitMicroseconds = 30000;       ///< after every parameter that was served
     int unservedSetResult = -1;
     const char* unservedText = nullptr; ///< logged for an id that is not served; with at most one %d, the id

@@ -87,7 +87,7 @@ std::optional<ModelInfo> describeModel(int moduleId) {
     if (row == nullptr)
         return std::nullopt;
     const ModelDescription& model = row->describe();
-    ModelInfo info{moduleId, model.className, {}};
+    ModelInfo info{moduleId, model.className, model.hasPort, {}};
     for (const ParameterRow& parameter : model.rows)
         info.parameters.push_back(describeRow(model, parameter));
     return info;

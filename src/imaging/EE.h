@@ -1,10 +1,12 @@
 #pragma once
 
+#include "host/Export.h"
+
 struct CSL_IpipeEdgeEnhanceConfig;
 
 /// Turns an edge-enhancement strength into the pipeline's record. Strengths run from 0 to 100; lower ones count as 0,
 /// higher ones as 100. Without state: any thread may call.
-class EE {
+class SENSORCONTROL_API EE {
 public:
     EE() = default;
     ~EE() = default;

@@ -49,14 +49,14 @@ std::string joined(std::span<const std::string> words) {
 
 } // namespace
 
-bool BlockConsole::knows(const std::string& command) {
+bool BlockConsole::knows(const std::string& command) const {
     for (const CommandRow& row : Commands)
         if (row.name == command)
             return true;
     return false;
 }
 
-std::string BlockConsole::help() {
+std::string BlockConsole::commands() {
     std::string text;
     for (const CommandRow& row : Commands) {
         std::string usage(row.usage);

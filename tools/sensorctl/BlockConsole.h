@@ -1,25 +1,23 @@
 #pragma once
 
+#include "ModuleConsole.h"
 #include "simulator/PtyServer.h"
-
-#include <span>
-#include <string>
 
 namespace sensorctl {
 
 class Output;
 
 /// What a user can do to a simulated block: the light at its sensor, faults on its line, its registers, its plug.
-class BlockConsole {
+class BlockConsole final : public ModuleConsole {
 public:
     /// The server outlives the console.
     BlockConsole(Output& output, camerasim::PtyServer& server) : m_Output(output), m_Server(server) {}
 
-    static bool knows(const std::string& command);
-    /// A line for each command.
-    static std::string help();
-    /// Throws Failure.
-    void execute(const std::string& command, std::span<const std::string> words);
+    static std::string commands();
+
+    bool knows(const std::string& command) const override;
+    std::string help() const override { return commands(); }
+    void execute(const std::string& command, std::span<const std::string> words) override;
 
 private:
     void showRegisters(std::span<const std::string> words);

@@ -23,6 +23,9 @@ int resetParameters(Output& output, const TargetOptions& target, bool toLast);
 /// Shows the schemes; words: what to do with them first, such as "choose 1".
 int schemes(Output& output, const TargetOptions& target, const std::vector<std::string>& words);
 
+/// The pipeline's edge-enhancement record of each strength, and with a plot the drawing of all and of the curve.
+int edgeEnhancement(Output& output, const std::vector<int>& strengths, const std::string& plot);
+
 /// Keeps the module up and takes commands from standard input. A script ends at its first failure, whose code is the
 /// result; keepGoing: goes on to its end first.
 int runCommands(Output& output, const TargetOptions& target, bool keepGoing);
@@ -31,7 +34,7 @@ struct DayOptions {
     bool isWanted = false;
     std::string light = "06:30-20:00";
     std::string hours = "00:00-24:00"; ///< the part of the day that is played
-    std::string plot; ///< file of the drawing; empty: none
+    std::string plot;                  ///< file of the drawing; empty: none
 };
 /// Plays a whole day on a simulated clock and a simulated module and tells what moved when and why.
 int playDay(Output& output, const TargetOptions& target, const DayOptions& options);

@@ -106,7 +106,10 @@ DayPlay::DayPlay(Output& output, const TargetOptions& options, const Sky& sky, c
     : m_Output(output), m_Options(options), m_Sky(sky), m_Hours(hours), m_Scratch(options.rootFolder()),
       m_Folder(m_Scratch.path(), options.schemes),
       m_pClock(std::make_shared<sensorhost::SimulatedClock>(hours.from / 60, hours.from % 60)), m_ClockGuard(m_pClock),
-      m_pWorld(DayWorld::create(options)) {}
+      m_pWorld(DayWorld::create(options)) {
+    if (!options.tuning.empty())
+        m_Folder.installTuning(options.tuning);
+}
 
 DayRecord DayPlay::run() {
     const int first = m_Hours.from * 60;
@@ -135,7 +138,8 @@ void DayPlay::bringUp() {
     m_Manager.setUARTController(m_pWorld->port());
     m_Manager.setGPIO(m_pWorld->pins());
     m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
-                   ModuleConfigure(m_Options.moduleId, m_Options.detailText(PortName), m_Options.parametersText()));
+                   ModuleConfigure(m_Options.moduleId, m_Options.detailText(m_Options.isOnChip() ? "" : PortName),
+                                   m_Options.parametersText()));
     if (controller().getSensorStatus() != ISensorController::InitSuccess)
         throw Failure(Trouble, "the simulated module did not come up", {"try: sensorctl run, which says why"});
     SchemeDesk(controller()).settle();
@@ -195,7 +199,7 @@ std::string DayPlay::whyPicture(const DayRecord::Moment& now) {
         scheme = ", with scheme " + std::to_string(now.scheme);
     const int mode = value("DayNightMode").value_or(-1);
     if (mode == 0)
-        return std::string("automatic: ") + (isDay ? "light" : "dark") + " since " + clockText(m_nSkyChange) + scheme;
+        return "automatic: " + m_pWorld->cause(clockText(m_nSkyChange)) + scheme;
     if (mode == 1 || mode == 2)
         return std::string("fixed to ") + (mode == 1 ? "day" : "night") + scheme;
     const char* const start = isDay ? "NTDTime" : "DTNTime";
@@ -231,8 +235,8 @@ std::optional<int> DayPlay::value(const std::string& name) {
 int playDay(Output& output, const TargetOptions& target, const DayOptions& options) {
     target.check(true);
     const DaySpan light = DaySpan::parse(options.light, "--light");
-    if (!target.simulated)
-        throw Failure(Usage, "--day plays on a simulated block", {"try: --simulated in place of --port"});
+    if (!target.isSimulated())
+        throw Failure(Usage, "--day plays on a simulated module", {"try: --simulated in place of --port"});
     const DaySpan hours = DaySpan::parse(options.hours, "--hours");
     const DayRecord day = DayPlay(output, target, Sky(light), hours).run();
     if (!options.plot.empty())

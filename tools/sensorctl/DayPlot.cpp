@@ -102,7 +102,7 @@ void DayDrawing::curve(std::size_t reading) {
         high = std::max(high, moment.sight.readings[reading].value);
     }
     // What runs over decades, as light and gain do, is shown by decades.
-    constexpr double decades = 100;
+    constexpr double decades = 30;
     const bool isLogarithmic = low > 0 && high / low > decades;
     const auto scaled = [isLogarithmic](double value) { return isLogarithmic ? std::log10(value) : value; };
     const double span = std::max(scaled(high) - scaled(low), 1e-9);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BlockPort.h"
+#include "PipelineReadings.h"
 #include "TargetOptions.h"
 #include "TimeOfDay.h"
 #include "host/SafePointer.h"
@@ -25,12 +26,6 @@ private:
     DaySpan m_Light;
 };
 
-/// A number that belongs to the picture of a day, such as the gain.
-struct Reading {
-    const char* name;
-    double value;
-};
-
 /// What can be seen of a camera and its surroundings at a moment.
 struct Sight {
     bool isLight = true;
@@ -50,6 +45,8 @@ public:
     SafePointer<IGPIO> pins() const { return m_pGpio; }
     virtual void setSky(double lux, bool isLight) = 0;
     virtual Sight look() = 0;
+    /// What the automatic day/night decision goes by just now; `since` tells when the sky changed last.
+    virtual std::string cause(const std::string& since) const = 0;
 
 protected:
     SafePointer<sensorhost::MemoryGpio> m_pGpio{new sensorhost::MemoryGpio};

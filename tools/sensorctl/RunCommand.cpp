@@ -1,4 +1,3 @@
-#include "BlockConsole.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "InputLines.h"
@@ -34,10 +33,8 @@ constexpr const char* Help = R"(  get [ID|NAME...]        values, all without a 
 
 class Interpreter {
 public:
-    Interpreter(Output& output, Session& session) : m_Output(output), m_Session(session) {
-        if (session.block() != nullptr)
-            m_pConsole = std::make_unique<BlockConsole>(output, *session.block());
-    }
+    Interpreter(Output& output, Session& session)
+        : m_Output(output), m_Session(session), m_pConsole(session.console()) {}
 
     /// The exit code of the line; throws Failure. False in isWanted after quit.
     int execute(const std::string& line);
@@ -51,7 +48,7 @@ private:
 
     Output& m_Output;
     Session& m_Session;
-    std::unique_ptr<BlockConsole> m_pConsole;
+    const std::unique_ptr<ModuleConsole> m_pConsole;
     bool m_bWanted = true;
 };
 
@@ -89,9 +86,7 @@ int Interpreter::execute(const std::string& line) {
         workOnSchemes(m_Output, m_Session, words);
         return Done;
     }
-    if (BlockConsole::knows(command)) {
-        if (m_pConsole == nullptr)
-            throw Failure(Usage, command + ": there is no simulated block on a real port");
+    if (m_pConsole != nullptr && m_pConsole->knows(command)) {
         m_pConsole->execute(command, words);
         return Done;
     }
@@ -105,7 +100,7 @@ int Interpreter::execute(const std::string& line) {
         refuseWords(command, words);
         resetParameters(m_Output, m_Session, command == "last");
     } else if (command == "help") {
-        m_Output.note(Help + (m_pConsole != nullptr ? BlockConsole::help() : std::string()));
+        m_Output.note(Help + (m_pConsole != nullptr ? m_pConsole->help() : std::string()));
     } else if (command == "quit" || command == "exit") {
         m_bWanted = false;
     } else {

@@ -1,10 +1,12 @@
 #include "Session.h"
 
+#include "BlockConsole.h"
 #include "Interrupt.h"
 #include "Output.h"
 #include "PortGuard.h"
 #include "Progress.h"
 #include "RestoreReport.h"
+#include "SceneConsole.h"
 #include "host/ModuleConfigure.h"
 #include "host/linux/GpioCharacterDevice.h"
 #include "host/linux/MemoryGpio.h"
@@ -22,7 +24,6 @@ namespace {
 constexpr const char* ErrorLogFile = "/mnt/mtd/log/SensorError.log";
 constexpr const char* InitLogFile = "/mnt/mtd/log/SensorInit.log";
 constexpr const char* UpMark = "ISensorController::initSensor  success";
-constexpr const char* TuningFile = "/hd1/program/config/ISPParam.xml";
 constexpr const char* TuningFailure = "objISPParamParse.parse failed";
 constexpr std::size_t ShownLines = 6;
 
@@ -79,7 +80,11 @@ Session::Session(Output& output, const TargetOptions& options)
             m_Output.traceLine(m_Output.isJson() ? line.json().dump() : line.text());
         });
     }
-    if (m_Options.simulated)
+    if (!m_Options.tuning.empty())
+        m_Folder.installTuning(m_Options.tuning);
+    if (m_Options.isOnChip())
+        SceneConsole::start();
+    else if (m_Options.simulated)
         startBlock();
     auto* const guard = new PortGuard(SafePointer<IUARTController>(
         new sensorhost::TracedPort(SafePointer<IUARTController>(new sensorhost::SerialPort), m_Trace)));
@@ -112,6 +117,16 @@ void Session::startBlock() {
             throw Failure(Usage, error);
     if (!m_pBlock->start(error))
         throw Failure(Trouble, "the simulated block has no port: " + error);
+}
+
+std::unique_ptr<ModuleConsole> Session::console() {
+    if (m_pBlock != nullptr)
+        return std::make_unique<BlockConsole>(m_Output, *m_pBlock);
+    return m_Options.isOnChip() ? std::make_unique<SceneConsole>(m_Output) : nullptr;
+}
+
+std::vector<Reading> Session::pipelineReadings() const {
+    return m_Options.isOnChip() ? readPipeline() : std::vector<Reading>{};
 }
 
 void Session::bringUp() {
@@ -170,7 +185,7 @@ void Session::checkBringUp(const std::string& device, const std::vector<std::str
         throw Failure(Trouble, what + "failed", details);
     }
     // Only the on-chip pipeline has a tuning file; that there is none is no news.
-    const bool hasTuning = std::filesystem::exists(m_Folder.pathOf(TuningFile));
+    const bool hasTuning = std::filesystem::exists(m_Folder.pathOf(StateFolder::TuningFile));
     for (const std::string& line : errors)
         if ((isReason(line) || line.starts_with("setParameter (")) && (hasTuning || line != TuningFailure))
             m_Output.note("warning: " + line);
@@ -222,7 +237,8 @@ int Session::readValue(const sensorcontrol::ParameterInfo& parameter) {
 }
 
 int Session::dayNightStatus() {
-    int status = -1;
+    // Between its two thresholds the pipeline leaves the status that it is given.
+    int status = m_Options.isOnChip() ? pictureOfPipeline() : -1;
     perform(
         "day/night status", [&] { return controller().getCurrentDNStatus(status); }, Refused, "");
     if (status != 0 && status != 1)

@@ -2,7 +2,9 @@
 
 #include "Failure.h"
 #include "LogTail.h"
+#include "ModuleConsole.h"
 #include "Parameters.h"
+#include "PipelineReadings.h"
 #include "SchemeDesk.h"
 #include "StateFolder.h"
 #include "TargetOptions.h"
@@ -43,8 +45,10 @@ public:
     const Parameters& parameters() const { return m_Parameters; }
     const TargetOptions& options() const { return m_Options; }
     WireTrace& trace() { return m_Trace; }
-    /// Null on a real port.
-    camerasim::PtyServer* block() { return m_pBlock.get(); }
+    /// For the surroundings of a simulated module; null on a real port.
+    std::unique_ptr<ModuleConsole> console();
+    /// What the tuning of the on-chip pipeline has applied, and the gain that it goes by; empty for other modules.
+    std::vector<Reading> pipelineReadings() const;
 
     /// What the module holds; nothing for ids that are not remembered.
     std::optional<int> value(int id);

@@ -55,6 +55,15 @@ StateFolder::~StateFolder() { ::close(m_nLock); }
 
 std::string StateFolder::pathOf(const char* devicePath) const { return sensorhost::hostPath(devicePath); }
 
+void StateFolder::installTuning(const std::string& file) const {
+    const std::filesystem::path target = pathOf(TuningFile);
+    std::error_code error;
+    std::filesystem::create_directories(target.parent_path(), error);
+    std::filesystem::copy_file(file, target, std::filesystem::copy_options::overwrite_existing, error);
+    if (error)
+        throw Failure(Trouble, "--tuning " + file + ": " + error.message());
+}
+
 void StateFolder::prepare() {
     for (const char* const name : Folders) {
         const std::string folder = m_strFolder + name;

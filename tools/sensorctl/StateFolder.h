@@ -14,6 +14,10 @@ public:
     StateFolder(const StateFolder&) = delete;
     StateFolder& operator=(const StateFolder&) = delete;
 
+    static constexpr const char* TuningFile = "/hd1/program/config/ISPParam.xml";
+
+    /// Makes a file the tuning file of the on-chip pipeline. Throws Failure with Trouble.
+    void installTuning(const std::string& file) const;
     /// Where a file of the device lies.
     std::string pathOf(const char* devicePath) const;
 

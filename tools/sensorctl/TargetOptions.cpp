@@ -154,6 +154,10 @@ void TargetOptions::declare(CLI::App& command) {
     command.add_option("--trace", trace, "write what goes over the wire to a file, or - for standard error")
         ->group(target)
         ->type_name("FILE");
+    command.add_option("--tuning", tuning, "make this the tuning file of the image pipeline (ISPParam.xml)")
+        ->group(target)
+        ->check(CLI::ExistingFile)
+        ->type_name("FILE");
     command.add_option("--fault", faults, "fault plan of the simulated block, see \"sensorctl simulate --help\"")
         ->group(target)
         ->type_name("PLAN")
@@ -190,12 +194,14 @@ void TargetOptions::check(bool needsPort) const {
         throw Failure(Usage, "--module is required", {"try: --module 16, or --config DIR; sensorctl modules"});
     checkModule(moduleId);
     // A configuration that names no port is that of a module that has none.
-    if (needsPort && !simulated && device().empty() && selection.folder.empty())
+    if (needsPort && !isSimulated() && device().empty() && selection.folder.empty())
         throw Failure(Usage, "a port is missing", {"try: --port /dev/ttyUSB0, or --simulated"});
-    if (simulated)
+    if (isOnChip() && !port.empty())
+        throw Failure(Usage, "module " + std::to_string(moduleId) + " is on the chip: it has no port");
+    if (simulated && !isOnChip())
         checkSimulated(moduleId);
-    if (!simulated && (!faults.empty() || simulatedRestart || baudPace != 0))
-        throw Failure(Usage, "--fault, --baud-pace and --simulated-restart need --simulated");
+    if ((!simulated || isOnChip()) && (!faults.empty() || simulatedRestart || baudPace != 0))
+        throw Failure(Usage, "--fault, --baud-pace and --simulated-restart need a simulated block");
     for (const std::string& plan : faults)
         checkFaults(plan);
     if (port.find(';') != std::string::npos)
@@ -221,8 +227,16 @@ std::string TargetOptions::lineText() const {
     return std::to_string(block != nullptr ? block->baud : DefaultBaud) + ",8,1,0";
 }
 
+bool TargetOptions::isOnChip() const {
+    const auto model = sensorcontrol::describeModel(moduleId);
+    return model && !model->hasPort;
+}
+
 TargetOptions::Keys TargetOptions::detailKeys() const {
-    Keys keys = selection.folder.empty() ? Keys{{"isInfrared", "0"}, {"generation", "3"}} : m_RecordDetail;
+    Keys keys = m_RecordDetail;
+    if (selection.folder.empty())
+        keys = isOnChip() ? Keys{{"isInfrared", "0"}, {"autoIris", "0"}, {"GPIO", "0,12,1"}, {"TNF", "1"}, {"HDR", "1"}}
+                          : Keys{{"isInfrared", "0"}, {"generation", "3"}};
     addKeys(keys, detail, Usage, "--detail", "try: --detail 'isInfrared=1;generation=4'");
     return keys;
 }
@@ -236,7 +250,7 @@ std::string TargetOptions::detailText(const std::string& device) const {
 
 std::string TargetOptions::parametersText() const {
     Keys keys = m_RecordParameters;
-    if (simulated || !device().empty())
+    if (!isOnChip() && (simulated || !device().empty()))
         keys[portKey()] = lineText();
     return textOf(keys);
 }
@@ -254,7 +268,7 @@ std::string TargetOptions::rootFolder() const {
     else
         throw Failure(Usage, "there is no home folder to keep the library's files in", {"try: --root DIR"});
     // What a simulated block was told must not reach a real one at its next start.
-    return (folder / "sensorctl" / ((simulated ? "simulated-" : "module-") + std::to_string(moduleId))).string();
+    return (folder / "sensorctl" / ((isSimulated() ? "simulated-" : "module-") + std::to_string(moduleId))).string();
 }
 
 } // namespace sensorctl

@@ -28,6 +28,7 @@ struct TargetOptions {
     std::string root;
     int schemes = 0; ///< how many the installation is to have; 0: as it is
     std::string gpio;
+    std::string tuning; ///< becomes the tuning file; empty: the one that is there
     std::vector<std::string> faults;
     std::string trace;
 
@@ -35,7 +36,10 @@ struct TargetOptions {
     void declare(CLI::App& command);
     /// Takes the module from the configuration folder, if one is named. Before anything else; throws Failure.
     void loadSelection();
-    bool hasPort() const { return simulated || !port.empty(); }
+    /// The module is the on-chip pipeline: no port, and the host library's simulated pipeline.
+    bool isOnChip() const;
+    bool isSimulated() const { return simulated || isOnChip(); }
+    bool hasPort() const { return isSimulated() || !port.empty(); }
 
     /// Throws Failure with Usage for anything that cannot be meant. needsPort: a port or a simulated block is a must.
     void check(bool needsPort) const;
@@ -48,7 +52,7 @@ struct TargetOptions {
     /// The two texts of the module, for the device that was found.
     std::string detailText(const std::string& device) const;
     std::string parametersText() const;
-    bool usesGpioChip() const { return gpio == "chip" || (gpio.empty() && !simulated); }
+    bool usesGpioChip() const { return gpio == "chip" || (gpio.empty() && !isSimulated()); }
     /// Folder under which the library's files live.
     std::string rootFolder() const;
 

@@ -1,4 +1,3 @@
-#include "BlockConsole.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "InputLines.h"
@@ -53,10 +52,7 @@ milliseconds toSpan(double seconds) {
 /// Runs block commands from standard input until the time comes; without a block it waits.
 class BlockInput {
 public:
-    BlockInput(Output& output, Session& session) : m_Output(output) {
-        if (session.block() != nullptr)
-            m_pConsole = std::make_unique<BlockConsole>(output, *session.block());
-    }
+    BlockInput(Output& output, Session& session) : m_Output(output), m_pConsole(session.console()) {}
 
     /// False when the user wants to end.
     bool waitUntil(Clock::time_point end);
@@ -65,7 +61,7 @@ private:
     void execute(const std::string& line);
 
     Output& m_Output;
-    std::unique_ptr<BlockConsole> m_pConsole;
+    const std::unique_ptr<ModuleConsole> m_pConsole;
     InputLines m_Input;
     bool m_bOpen = true;
 };
@@ -95,9 +91,9 @@ void BlockInput::execute(const std::string& line) {
     for (std::string word; stream >> word;)
         words.push_back(word);
     try {
-        if (!BlockConsole::knows(command))
-            throw Failure(Usage, '"' + command + "\" is no command of the block",
-                          {"there are:\n" + BlockConsole::help()});
+        if (!m_pConsole->knows(command))
+            throw Failure(Usage, '"' + command + "\" is no command of the simulated module",
+                          {"there are:\n" + m_pConsole->help()});
         m_pConsole->execute(command, words);
     } catch (const Failure& failure) {
         m_Output.report(failure);
@@ -143,7 +139,7 @@ void showDayNight(Output& output, Session& session) {
 
 int dayNight(Output& output, const TargetOptions& target, const DayNightOptions& options) {
     target.check(true);
-    if (!options.ambient.empty() && !target.simulated)
+    if (!options.ambient.empty() && !target.isSimulated())
         throw Failure(Usage, "--ambient drives a simulated block only", {"try: --simulated"});
     if (options.waitSeconds < 0)
         throw Failure(Usage, "--wait: a span is not negative");
@@ -153,7 +149,7 @@ int dayNight(Output& output, const TargetOptions& target, const DayNightOptions&
     if (!options.mode.empty())
         setDayNight(session, options.mode);
     if (!options.ambient.empty())
-        BlockConsole(output, *session.block()).execute(options.ambient, {});
+        session.console()->execute(options.ambient, {});
     if (options.waitSeconds > 0) {
         const auto end = Clock::now() + toSpan(options.waitSeconds);
         while (settledState(session) == before) {
@@ -178,6 +174,7 @@ int watch(Output& output, const TargetOptions& target, double seconds) {
     const auto end = start + toSpan(seconds);
     int state = -1;
     std::map<int, int> values = session.values();
+    std::map<std::string, double> readings;
     while (output.isWritable()) {
         int now = state;
         try {
@@ -194,6 +191,12 @@ int watch(Output& output, const TargetOptions& target, double seconds) {
             if (old == values.end() || old->second != value)
                 recordChange(output, start, session.parameters().nameOf(id), value);
             values[id] = value;
+        }
+        for (const auto& [name, value] : session.pipelineReadings()) {
+            const auto [entry, isNew] = readings.try_emplace(name, value);
+            if (isNew || entry->second != value)
+                recordChange(output, start, name, readingJson(value));
+            entry->second = value;
         }
         const auto next = std::min(end, Clock::now() + PollSpan);
         if (!input.waitUntil(next) || next == end)

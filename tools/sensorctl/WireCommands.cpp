@@ -92,8 +92,8 @@ void serve(Output& output, camerasim::PtyServer& server) {
             return;
         try {
             if (command == "help")
-                output.note(BlockConsole::help() + "  quit                    end");
-            else if (BlockConsole::knows(command))
+                output.note(BlockConsole::commands() + "  quit                    end");
+            else if (console.knows(command))
                 console.execute(command, words);
             else
                 throw Failure(Usage, '"' + command + "\" is no command", {"try: help"});

@@ -29,6 +29,8 @@ struct CommandLine {
     double seconds = 0;
     DayNightOptions dayNight;
     DayOptions day;
+    std::vector<int> strengths;
+    std::string plot;
     SimulateOptions simulate;
     UiOptions ui;
     int decodedModule = 16;
@@ -155,6 +157,15 @@ void declareLiveCommands(CLI::App& app, CommandLine& line) {
         ->type_name("WORD");
 }
 
+void declareEdgeCommand(CLI::App& app, CommandLine& line) {
+    CLI::App* const command = declare(
+        app, line, "edge", "Show the pipeline's edge-enhancement record of a strength, by default of every tenth",
+        "sensorctl edge 25 60 --plot edge.svg",
+        [&line](Output& output) { return edgeEnhancement(output, line.strengths, line.plot); });
+    command->add_option("strength", line.strengths, "0 to 100")->check(CLI::Range(0, 100))->type_name("STRENGTH");
+    command->add_option("--plot", line.plot, "draw the records of all strengths, and the curve")->type_name("FILE.svg");
+}
+
 void declareWireCommands(CLI::App& app, CommandLine& line) {
     CLI::App* command =
         declare(app, line, "trace", "Bring a module up, set some parameters, and show every frame with its meaning",
@@ -187,7 +198,7 @@ void declareWireCommands(CLI::App& app, CommandLine& line) {
         ->allow_extra_args(false);
     command->add_option("--state", line.simulate.stateFile, "load the block's state from a file, save it at the end")
         ->type_name("FILE");
-    command->footer(command->get_footer() + "\n\nCommands on standard input:\n" + BlockConsole::help() +
+    command->footer(command->get_footer() + "\n\nCommands on standard input:\n" + BlockConsole::commands() +
                     "  quit                    end, as the end of the input does\n\n" + faultHelp());
 }
 
@@ -252,6 +263,7 @@ int main(int argumentCount, char** arguments) {
     app.footer(std::string("Example:\n  sensorctl list --module 16 --simulated\n\n") + ExitCodes);
     declareParameterCommands(app, line);
     declareLiveCommands(app, line);
+    declareEdgeCommand(app, line);
     declareWireCommands(app, line);
     declareUiCommand(app, line);
     try {

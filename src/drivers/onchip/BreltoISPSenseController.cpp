@@ -296,6 +296,7 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
 
     static constexpr ModelDescription description{.className = "BreltoISPSenseController",
                                                   .rows = rows,
+                                                  .hasPort = false,
                                                   .waitMicroseconds = 0,
                                                   .unservedText = "paramid=%d error ",
                                                   .isReadFromZero = false,
