@@ -1,6 +1,7 @@
 // How a controller is built, brought up and taken down, and the small services that drivers share.
 
 #include "controller/DevicePaths.h"
+#include "controller/HourMinute.h"
 #include "controller/ISensorController.h"
 #include "host/BRFile.h"
 #include "host/ImagingLibraries.h"
@@ -119,9 +120,11 @@ int ISensorController::init(int videoSystem, const ModuleConfigure& configure, c
     std::string text;
     readCurrentParam(scheme, text);
     if (scheme != m_nParamScheme) {
-        if (m_nParamMode == 0)
+        if (scheme < 0)
+            InitPrintf("parameter scheme %d is chosen, no span is open: factory values", m_nParamScheme.load());
+        else if (m_nParamMode == 0)
             InitPrintf("parameter scheme %d is chosen, the clock applies %d", m_nParamScheme.load(), scheme);
-        keepSpanInForce(text);
+        keepSpanInForce(scheme, text);
     }
     if (!setParameters(text))
         InitPrintf("setParameters failed");
@@ -242,10 +245,11 @@ void ISensorController::copyFactoryFile(const std::string& path) {
 void ISensorController::createDisabledScheme(const SensorConfigFile& file) {
     // A power cut between the copy and its change must not leave a scheme that takes part: the file gets its name last.
     SensorConfigFile draft(file.getFilePath() + ".new");
-    draft.setVersion(m_nSensorConfigVersion);
-    draft.setVersion2(m_nSensorConfigVersion2);
     copyFactoryFile(draft.getFilePath());
-    draft.modifyParameter(500, 0);
+    if (!draft.modifyParameter(500, 0)) {
+        InitPrintf("%s can not be made", file.getFilePath().c_str());
+        return;
+    }
     runShell("mv " + draft.getFilePath() + " " + file.getFilePath());
 }
 
@@ -254,8 +258,8 @@ void ISensorController::loadSchemes() {
         std::map<int, int> stored;
         m_ConfigFiles[i]->readParametersFromFile(stored);
         const int scheme = static_cast<int>(i);
-        setParamSchemeStartTime(scheme, stored[501] * 100 + stored[502] * 10);
-        setParamSchemeEndTime(scheme, stored[503] * 100 + stored[504] * 10);
+        setParamSchemeStartTime(scheme, hourMinute(stored[501], stored[502] * 10LL));
+        setParamSchemeEndTime(scheme, hourMinute(stored[503], stored[504] * 10LL));
         setParamSchemeEnableFlag(scheme, stored[500]);
     }
 }

@@ -1,6 +1,7 @@
 // Decides whether the camera is in day or night mode and carries the decision out. Runs on the background thread, one
 // pass about every second.
 
+#include "controller/HourMinute.h"
 #include "controller/ISensorController.h"
 #include "host/BRDeviceTime.h"
 #include "host/ScopedLock.h"
@@ -11,6 +12,8 @@
 using sensorhost::ScopedLock;
 
 namespace {
+
+using sensorcontrol::hourMinute;
 
 enum DayNightMode { Automatic = 0, FixedDay = 1, FixedNight = 2, ByClock = 3, LeftToModule = 4 };
 
@@ -177,19 +180,19 @@ int ISensorController::reInitDelayStartTime() {
 void ISensorController::getCurrentTime(double& seconds) { seconds = BRDeviceTime::getSeconds(); }
 
 int ISensorController::setDTNTime_H(int hour) {
-    return setSwitchTime(m_nDTNTime, hour * 100 + m_nDTNTime % 100, m_nNTDTime, "DTN");
+    return setSwitchTime(m_nDTNTime, hourMinute(hour, m_nDTNTime % 100), m_nNTDTime, "DTN");
 }
 
 int ISensorController::setDTNTime_M(int tensOfMinutes) {
-    return setSwitchTime(m_nDTNTime, tensOfMinutes * 10 + m_nDTNTime / 100 * 100, m_nNTDTime, "DTN");
+    return setSwitchTime(m_nDTNTime, hourMinute(m_nDTNTime / 100, tensOfMinutes * 10LL), m_nNTDTime, "DTN");
 }
 
 int ISensorController::setNTDTime_H(int hour) {
-    return setSwitchTime(m_nNTDTime, hour * 100 + m_nNTDTime % 100, m_nDTNTime, "NTD");
+    return setSwitchTime(m_nNTDTime, hourMinute(hour, m_nNTDTime % 100), m_nDTNTime, "NTD");
 }
 
 int ISensorController::setNTDTime_M(int tensOfMinutes) {
-    return setSwitchTime(m_nNTDTime, tensOfMinutes * 10 + m_nNTDTime / 100 * 100, m_nDTNTime, "NTD");
+    return setSwitchTime(m_nNTDTime, hourMinute(m_nNTDTime / 100, tensOfMinutes * 10LL), m_nDTNTime, "NTD");
 }
 
 int ISensorController::setSwitchTime(std::atomic<int>& time, int newTime, const std::atomic<int>& otherTime,

@@ -15,6 +15,7 @@
 #include "params/SensorConfigFile.h"
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -180,6 +181,7 @@ public:
     int getParamStartTime_M(int& tensOfMinutes);
     int getParamEndTime_H(int& hour);
     int getParamEndTime_M(int& tensOfMinutes);
+    /// Applies the values of a scheme, with its span to the one in force: hosts call setParamScheme.
     int switchParam(int scheme);
     /// The scheme that the clock selects and its parameters; without one the factory values, scheme -1 and result 0.
     int readCurrentParam(int& scheme, std::string& text);
@@ -245,16 +247,23 @@ public:
     void ErrorPrintf(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void Debug_Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    // Tuning of the on-chip pipeline.
+    // Tuning of the on-chip pipeline. From init on the operations on the tuning table are the background thread's.
 
+    /// Loads the tuning file; without a readable one the table is empty and the result 0.
     int ISPParamThreadInit();
+    /// One pass, with the sleep of 1 to 3600 seconds that paces the thread. Always 0.
     int ISPParamBody();
+    /// Applies what the table has for a key and differs from what was applied last. Type "DN": key 1 day, 0 night; type
+    /// "GAIN": key as getCurrentGain gives it. Always 1, as the three after it.
     int setISPParam(const std::string& type, int key);
     int set3DNRParam(const std::string& type, int key);
     int setDCParam(const std::string& type, int key);
     int setEEParam(const std::string& type, int key);
+    /// Strength of the temporal noise filter, 1 to 100; 0 turns it off. Any thread, as the three after it. Always 1.
     int setTNF(int value);
+    /// 1: the filter is off; 2: it has the strength set last; any other: the tuning table drives it.
     int setTNFMode(int mode);
+    /// Factory values.
     int getTNF(int& value);
     int getTNFMode(int& mode);
 
@@ -314,7 +323,8 @@ protected:
     SafePointer<SensorLog> m_pErrorLog;
     SafePointer<SensorLog> m_pInitLog;
     std::atomic<int> m_nHDRMode{0};
-    /// The caches, the span and the choice of scheme during an operation that has several steps.
+    /// The caches, the span and the choice of scheme during an operation that has several steps. A setter of a driver
+    /// must not call setParameters all the same: it would empty the set that is being walked.
     sensorcontrol::RecursiveMutex m_ParamMutex;
     int m_nDebugMode = 0;
     std::vector<std::unique_ptr<SensorConfigFile>> m_ConfigFiles;
@@ -345,6 +355,16 @@ protected:
     static constexpr int NoEndTime = 10000;
 
 private:
+    /// What a switch to another scheme changes besides the values.
+    struct SchemeState {
+        int target;
+        SchemeSpan targetSpan;
+        int inForce;
+        int start;
+        int end;
+        std::map<int, int> cached;
+    };
+
     int turnInfraredLight(int selector, int value, int highest, const char* name);
     int driveFilter(int level);
     int driveInfraredLight(int level);
@@ -352,8 +372,11 @@ private:
     bool isSpanChecked() const { return m_bisInited && !m_bisReset; }
     int findDueScheme(int& scheme, std::string& text);
     SchemeSpan spanOf(int scheme) const;
-    void undoSwitch(int scheme, const SchemeSpan& span, int schemeBefore);
-    void keepSpanInForce(std::string& text) const;
+    SchemeState schemeState(int target) const;
+    /// After a switch or a reset that failed, so that the next flush writes neither index nor span nor flag of it.
+    void restoreSchemeState(const SchemeState& state);
+    void saveChoice(int scheme);
+    void keepSpanInForce(int source, std::string& text) const;
     void storeSpanStart(int time);
     void storeSpanEnd(int time);
     SensorConfigFile* schemeFile(int scheme) const;

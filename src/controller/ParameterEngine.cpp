@@ -113,13 +113,15 @@ int ISensorController::getAllParameters(std::string& result) {
         return 0;
     }
     // An unchanged text is in the cache already. To load it all the same would leave the cache empty for a moment, in
-    // which another thread's flush fails.
+    // which getParameter finds nothing.
     if (text != before) {
-        m_pLastCache->clear();
-        if (!m_pLastCache->setSensorValues(text)) {
+        std::map<int, int> values;
+        if (!SensorParameterParser::parseSensorParameter(text, values)) {
             ErrorPrintf("setSensorValues failed");
             return 0;
         }
+        m_pLastCache->clear();
+        m_pLastCache->setSensorValues(text);
         std::puts("save sensor parameter");
         flush();
     }
@@ -177,7 +179,7 @@ int ISensorController::flush() {
 
 int ISensorController::loadCurrentCache(const std::string& text) {
     m_pCurrentCache->clear();
-    return m_pCurrentCache->setSensorValues(text);
+    return !text.empty() && m_pCurrentCache->setSensorValues(text) ? 1 : 0;
 }
 
 int ISensorController::resetParameters() {
@@ -189,9 +191,11 @@ int ISensorController::resetParameters() {
         return 0;
     }
     std::printf("reset:%s\n", text.c_str());
+    const SchemeState before = schemeState(m_nParamScheme);
     reInitSchemeTimeMember();
     if (!setParameters(text)) {
         ErrorPrintf("setParameters @resetParameters failed");
+        restoreSchemeState(before);
         return 0;
     }
     // Disabled in the one write: a power cut after a first one would leave every scheme enabled.
@@ -201,6 +205,8 @@ int ISensorController::resetParameters() {
         flag->second = 0;
     for (std::size_t i = 0; i < m_ConfigFiles.size(); ++i)
         i == 0 ? m_ConfigFiles[i]->saveParametersToFile(text) : m_ConfigFiles[i]->saveParametersToFile(disabled);
+    if (m_nParamScheme > 0 && setEnableParam(0))
+        m_pLastCache->setSensorValue(500, 0); // as in its file, or the next flush would enable it
     m_bisReset = false;
     std::puts("resetParameters success");
     return 1;

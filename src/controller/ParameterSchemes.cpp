@@ -1,6 +1,7 @@
 // Sets of parameters with a daily span: which there are, which is in force, and how the clock and the host change it.
 
 #include "controller/DevicePaths.h"
+#include "controller/HourMinute.h"
 #include "controller/ISensorController.h"
 #include "host/BRFile.h"
 #include "host/ScopedLock.h"
@@ -17,6 +18,8 @@ namespace {
 using namespace sensorcontrol;
 
 constexpr int MostSchemes = 100;
+constexpr int FirstSchemeId = 500;
+constexpr int LastSchemeId = 504;
 constexpr int XmlFormat = 1;
 constexpr const char* SchemeNode = "paramScheme";
 constexpr const char* SchemeIndexItem = "SchemeIndex";
@@ -264,15 +267,19 @@ int ISensorController::getParamMode(int& mode) {
 int ISensorController::setParamScheme(int scheme) {
     std::printf("#########ISensorController::setParamScheme %d\n", scheme);
     ScopedLock lock(m_ParamMutex);
-    const int old = m_nParamScheme;
-    const SchemeSpan span = spanOf(scheme);
+    const SchemeState before = schemeState(scheme);
     m_nParamScheme = scheme; // before the text arrives: its span belongs to the new scheme
     if (!switchParam(scheme)) {
-        undoSwitch(scheme, span, old);
+        restoreSchemeState(before);
         return 0;
     }
-    setParamSchemeToFile(scheme);
+    saveChoice(scheme);
     return 1;
+}
+
+void ISensorController::saveChoice(int scheme) {
+    if (!setParamSchemeToFile(scheme))
+        ErrorPrintf("the choice of parameter scheme %d is not saved", scheme);
 }
 
 int ISensorController::getParamScheme(int& scheme) {
@@ -347,19 +354,23 @@ int ISensorController::paramSchemeSwitchBody() {
     // The host may have been changing the mode, the choice or a span: what it left counts. Only a switch waits for the
     // lock, because a host's set can hold it for the whole restart of a module.
     ScopedLock lock(m_ParamMutex);
+    text.clear();
     due = findDueScheme(scheme, text);
     if (due != 1)
         return due;
-    const int old = m_nParamScheme;
-    const SchemeSpan span = spanOf(scheme);
-    reInitSchemeTimeMember();
-    m_nParamScheme = scheme;
-    if (!isParameterSet(text) || !setParameters(text)) {
+    if (!isParameterSet(text)) {
         ErrorPrintf("setParameters failed @paramSchemeSwitchBody");
-        undoSwitch(scheme, span, old);
         return -1;
     }
-    setParamSchemeToFile(scheme);
+    const SchemeState before = schemeState(scheme);
+    reInitSchemeTimeMember();
+    m_nParamScheme = scheme;
+    if (!setParameters(text)) {
+        ErrorPrintf("setParameters failed @paramSchemeSwitchBody");
+        restoreSchemeState(before);
+        return -1;
+    }
+    saveChoice(scheme);
     std::printf("Auto switch param to:%s\n", text.c_str());
     ErrorPrintf("Auto switch  Scheme to:%d", scheme);
     return 0;
@@ -370,33 +381,43 @@ SchemeSpan ISensorController::spanOf(int scheme) const {
     return record != nullptr ? record->getSpan() : SchemeSpan{};
 }
 
-/// After a switch that failed: the record of the scheme gets back the span it had, and the one before is in force again
-/// with its span, which the next flush writes.
-void ISensorController::undoSwitch(int scheme, const SchemeSpan& span, int schemeBefore) {
-    if (ParamScheme* record = schemeRecord(scheme))
-        record->setSpan(span);
-    m_nParamScheme = schemeBefore;
-    if (schemeRecord(schemeBefore) == nullptr)
-        return;
-    const SchemeSpan before = spanOf(schemeBefore);
-    m_nParamSchemeStartTime = before.start;
-    m_nParamSchemeEndTime = before.end;
-    m_pLastCache->setSensorValue(500, before.flag);
-    m_pLastCache->setSensorValue(501, before.start / 100);
-    m_pLastCache->setSensorValue(502, before.start % 100 / 10);
-    m_pLastCache->setSensorValue(503, before.end / 100);
-    m_pLastCache->setSensorValue(504, before.end % 100 / 10);
+ISensorController::SchemeState ISensorController::schemeState(int target) const {
+    SchemeState state{target, spanOf(target), m_nParamScheme, m_nParamSchemeStartTime, m_nParamSchemeEndTime, {}};
+    for (int id = FirstSchemeId; id <= LastSchemeId; ++id)
+        if (int value = 0; m_pLastCache->getSensorValue(id, value))
+            state.cached[id] = value;
+    return state;
 }
 
-/// The values of another scheme, or of the factory, with the span and flag that the scheme in force has in its file.
-void ISensorController::keepSpanInForce(std::string& text) const {
+void ISensorController::restoreSchemeState(const SchemeState& state) {
+    if (ParamScheme* record = schemeRecord(state.target))
+        record->setSpan(state.targetSpan);
+    m_nParamScheme = state.inForce;
+    m_nParamSchemeStartTime = state.start;
+    m_nParamSchemeEndTime = state.end;
+    for (const auto& [id, value] : state.cached)
+        m_pLastCache->setSensorValue(id, value);
+}
+
+/// The values of another scheme, or of the factory (-1), with the span and flag of the scheme in force.
+void ISensorController::keepSpanInForce(int source, std::string& text) const {
+    const int inForce = m_nParamScheme;
     std::map<int, int> values;
-    std::map<int, int> own;
-    SensorConfigFile* file = schemeFile(m_nParamScheme);
-    if (file == nullptr || !file->readParametersFromFile(own) ||
-        !SensorParameterParser::parseSensorParameter(text, values))
+    SensorConfigFile* file = schemeFile(inForce);
+    if (file == nullptr || !SensorParameterParser::parseSensorParameter(text, values))
         return;
-    for (int id = 500; id <= 504; ++id)
+    std::map<int, int> own;
+    if (!file->readParametersFromFile(own) || own.empty()) {
+        if (source < 0 && inForce == 0)
+            return; // nothing is left of it: as on a fresh installation
+        const SchemeSpan span = spanOf(inForce);
+        own = {{500, span.flag},
+               {501, span.start / 100},
+               {502, span.start % 100 / 10},
+               {503, span.end / 100},
+               {504, span.end % 100 / 10}};
+    }
+    for (int id = FirstSchemeId; id <= LastSchemeId; ++id)
         if (const auto found = own.find(id); found != own.end())
             values[id] = found->second;
     text = SensorParameterParser::createSensorParameterString(values);
@@ -452,7 +473,7 @@ void ISensorController::storeSpanEnd(int time) {
 int ISensorController::setParamStartTime_H(int hour) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = hour * 100 + start % 100;
+    const int time = hourMinute(hour, start % 100);
     std::printf("setParamStartTime_H %d,start=%d,end=%d\n", hour, start, end);
     if (isSpanChecked() && time > end) {
         ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", time, end);
@@ -469,7 +490,7 @@ int ISensorController::setParamStartTime_H(int hour) {
 int ISensorController::setParamStartTime_M(int tensOfMinutes) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = tensOfMinutes * 10 + start / 100 * 100;
+    const int time = hourMinute(start / 100, tensOfMinutes * 10LL);
     std::printf("setParamStartTime_M %d,start=%d,end=%d\n", tensOfMinutes, start, end);
     if (isSpanChecked() && time > end) {
         ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", time, end);
@@ -487,7 +508,7 @@ int ISensorController::setParamStartTime_M(int tensOfMinutes) {
 int ISensorController::setParamEndTime_H(int hour) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = hour * 100 + end % 100;
+    const int time = hourMinute(hour, end % 100);
     std::printf("setParamEndTime_H %d,start=%d,end=%d\n", hour, start, end);
     // While no end minute has arrived, the hour alone is compared.
     const bool isBeforeStart = end == NoEndTime ? hour < start / 100 : time < start;
@@ -506,7 +527,7 @@ int ISensorController::setParamEndTime_H(int hour) {
 int ISensorController::setParamEndTime_M(int tensOfMinutes) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = tensOfMinutes * 10 + end / 100 * 100;
+    const int time = hourMinute(end / 100, tensOfMinutes * 10LL);
     std::printf("setParamEndTime_M %d,start=%d,end=%d\n", tensOfMinutes, start, end);
     if (isSpanChecked() && time <= start) {
         ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", start, time);

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-/// How strong the IR lights should be up to one zoom ratio. Powers in percent.
+/// How strong the IR lights should be up to one zoom ratio. The board's own units.
 class IRPowerItem {
 public:
     void setZoomUp(int zoom) { m_nZoomUp = zoom; }

@@ -45,6 +45,12 @@ constexpr Filter Filters[] = {
 };
 static_assert((std::size(Filters) - 1) * FilterStep == StrongestEnhancement);
 
+/// A symmetric high-pass passes nothing of an even surface: the centre outweighs its neighbours, four of each kind.
+constexpr bool isHighPass(const Filter& filter) {
+    return filter[0] + 4 * filter[1] + 4 * filter[4] == 0 && filter[1] == filter[3];
+}
+static_assert(std::all_of(std::begin(Filters), std::end(Filters), isHighPass));
+
 } // namespace
 
 int EE::setEE(int strength) {

@@ -45,6 +45,7 @@ int IRPowerDefaultConfig::open(int toolArg, const std::string& path, int mode) {
         return m_Tool.open(path, toolArg, mode);
     if (mode == XmlConfigureTool::ReadOnly)
         return 0;
+    m_Tool.close(); // what an earlier read left open has another root
     m_Tool.setRootNodeName(RootName);
     if (!m_Tool.open(path, toolArg, XmlConfigureTool::Create) || !addVersion(m_Tool, toolArg, m_nVersion))
         return 0;
@@ -95,7 +96,8 @@ int IRPowerDefaultConfig::setVersion(int toolArg, const std::string& path, int v
         return Done;
     if (!open(toolArg, path, XmlConfigureTool::Change))
         return NoFile;
-    m_Tool.removeConfigNode(VersionName);
+    while (m_Tool.removeConfigNode(VersionName))
+        ;
     if (!addVersion(m_Tool, toolArg, version))
         return NoProperty;
     // The file is written here. Taken for done on a full disk, the version would never be written again.

@@ -1,7 +1,5 @@
 #include "imaging/ISPParam.h"
 
-#include <algorithm>
-
 int ISPParam::setEnableFlag(const std::string& type, bool flag) {
     m_EnableFlags[type] = flag;
     return 1;
@@ -17,23 +15,22 @@ int ISPParam::getEnableFlag(const std::string& type, bool& flag) const {
 
 int ISPParam::setParam(const std::string& type, const std::string& unit, int min, int max, const std::string& name,
                        int value) {
-    std::vector<ISPParamUnit>& units = m_Units[type];
-    auto target =
-        std::find_if(units.begin(), units.end(), [&unit](const ISPParamUnit& known) { return known.isNamed(unit); });
-    if (target == units.end()) {
-        target = units.emplace(units.end());
-        target->setName(unit);
-        target->setMin(min);
-        target->setMax(max);
+    Type& table = m_Units[type];
+    const auto [position, isNew] = table.positions.try_emplace(unit, table.units.size());
+    if (isNew) {
+        ISPParamUnit& added = table.units.emplace_back();
+        added.setName(unit);
+        added.setMin(min);
+        added.setMax(max);
     }
-    return target->setParam(name, value);
+    return table.units[position->second].setParam(name, value);
 }
 
 int ISPParam::getParam(const std::string& type, const std::string& name, int key, int& value) const {
     const auto found = m_Units.find(type);
     if (found == m_Units.end())
         return 0;
-    for (const ISPParamUnit& unit : found->second)
+    for (const ISPParamUnit& unit : found->second.units)
         if (unit.covers(key))
             return unit.getParam(name, value);
     return 0;

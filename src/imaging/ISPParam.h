@@ -2,6 +2,7 @@
 
 #include "imaging/ISPParamUnit.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -28,6 +29,11 @@ public:
     void clear();
 
 private:
-    std::map<std::string, std::vector<ISPParamUnit>> m_Units;
+    struct Type {
+        std::vector<ISPParamUnit> units;
+        std::map<std::string, std::size_t> positions; ///< by name: a file may have thousands
+    };
+
+    std::map<std::string, Type> m_Units;
     std::map<std::string, bool> m_EnableFlags;
 };

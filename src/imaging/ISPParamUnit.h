@@ -20,7 +20,6 @@ public:
     /// 1 and the value, or 0 with `value` as it was.
     int getParam(const std::string& name, int& value) const;
 
-    bool isNamed(const std::string& name) const { return m_strName == name; }
     bool covers(int key) const { return m_nMin <= key && key < m_nMax; }
 
 private:

@@ -132,7 +132,7 @@ TEST_F(ParameterEngine, ResetGoesBackToFactoryValuesInEveryScheme) {
     EXPECT_THAT(c().takeCalls(), ElementsAre("set 1=11")); // the especial value outlives it
     EXPECT_FALSE(c().m_bisReset);
     EXPECT_EQ(c().m_nParamScheme, 1);
-    EXPECT_EQ(values("(1)(10)(500)(501)(503)(504)"), "(1,11)(10,111)(500,1)(501,0)(503,24)(504,0)");
+    EXPECT_EQ(values("(1)(10)(500)(501)(503)(504)"), "(1,11)(10,111)(500,0)(501,0)(503,24)(504,0)");
     const std::string saved = "(1,11)(2,12)(3,13)(10,111)(30,130)";
     const std::string versions = "(10000,-10000)(10001,-10000)";
     EXPECT_EQ(file("sensor1.cfg"), saved + Span + versions);
@@ -145,8 +145,8 @@ TEST_F(ParameterEngine, ResetGoesBackToFactoryValuesInEveryScheme) {
     EXPECT_TRUE(c().m_bisReset); // the cross-checks stay off until a reset succeeds
     EXPECT_EQ(c().setParamEndTime_M(0), 1);
     c().m_FailingIds.clear();
-    for (const char* broken : {"(1,5", "<none>"}) {
-        if (broken[0] == '(')
+    for (const char* broken : {"", "(1,5", "<none>"}) {
+        if (broken[0] != '<')
             writeFile("sensor_Factory.cfg", broken);
         else
             m_Root.remove(Folder + "sensor_Factory.cfg");

@@ -3,6 +3,7 @@
 #include "host/SensorParameterParser.h"
 #include "support/PlainBench.h"
 
+#include <climits>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -130,6 +131,21 @@ TEST_F(SchemeDay, AStartInAGapLeavesEverySpanAlone) {
     EXPECT_THAT(values("(1)"), "(1,101)");
 }
 
+TEST_F(SchemeDay, ABrokenFileOfTheChoiceShadowsNoOtherScheme) {
+    start({{1, 480, 720}, {0, 0, 10}, {1, 1140, 1380}}, 600);
+    for (const char* broken : {"(1,5", "(500,1)(501,2147483647)(503,2147483647)"}) {
+        create();
+        writeFile("sensor1.cfg", broken);
+        m_pClock->setTimeOfDay(20, 0);
+        ASSERT_EQ(init(), 1);
+        m_pClock->advance(1.5);
+        EXPECT_EQ(c().m_nParamScheme, 2);
+        EXPECT_EQ(values("(1)"), value(2));
+        c().m_nParamScheme = 0;
+        c().setParamSchemeToFile(0);
+    }
+}
+
 TEST_F(SchemeDay, AfterAResetTheFirstSchemeHasTheWholeDay) {
     start({{1, 480, 720}, {1, 730, 800}}, 600);
     ASSERT_EQ(c().resetParameters(), 1);
@@ -193,6 +209,15 @@ TEST_F(SchemeDay, AFailedOrBrokenSwitchLosesNoSetting) {
     m_Root.remove(Folder + "sensor.xml"); // the choice can not be saved: in force it is all the same
     EXPECT_EQ(c().setParamScheme(0), 1);
     EXPECT_EQ(c().m_nParamScheme, 0);
+    EXPECT_TRUE(hasLogged("the choice of parameter scheme 0 is not saved"));
+    c().setParameters("(2,9)");
+    c().m_FailingIds = {2};
+    EXPECT_EQ(c().resetParameters(), 0);
+    c().m_bisReset = false;
+    isUntouched();
+    for (const int huge : {INT_MAX, INT_MIN})
+        for (const int id : {501, 502, 503, 504})
+            c().setParameters("(" + std::to_string(id) + "," + std::to_string(huge) + ")");
 }
 
 namespace {

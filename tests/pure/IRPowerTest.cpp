@@ -87,7 +87,8 @@ TEST_F(IRPower, KeepsTheVersionBesideTheTable) {
     EXPECT_EQ(version, 5) << "a new file gets the version known";
 
     ASSERT_EQ(loadText("<IRConfig><version><item version='1'/></version><IRPower>"
-                       "<item zoomup='1' far='2' mid='3' near='4'/></IRPower></IRConfig>"),
+                       "<item zoomup='1' far='2' mid='3' near='4'/></IRPower>"
+                       "<version><item version='2'/></version></IRConfig>"),
               0);
     IRPowerDefaultConfig config;
     EXPECT_EQ(config.setVersion(1, Path, 9), 0);
@@ -95,6 +96,13 @@ TEST_F(IRPower, KeepsTheVersionBesideTheTable) {
     EXPECT_EQ(m_Param.getIrPower().size(), 1U);
     EXPECT_EQ(IRPowerDefaultConfig().getVersion(1, Path, version), 0);
     EXPECT_EQ(version, 9);
+
+    IRPowerDefaultConfig reused; // its read leaves the file open, with a root of another name
+    ASSERT_NE(loadText("<other/>"), 0);
+    EXPECT_EQ(reused.load(1, Path, m_Param), -1);
+    m_Root.remove(Path);
+    EXPECT_EQ(reused.setVersion(1, Path, 4), 0);
+    EXPECT_NE(m_Root.read(Path).find("<IRConfig>"), std::string::npos);
 }
 
 TEST_F(IRPower, AFileThatCannotBeWrittenIsNotTakenForDone) {

@@ -64,42 +64,4 @@ TEST(TuningTable, ItemsOfOneUnitMerge) {
     EXPECT_EQ(lookUp(table, "GAIN", "A0", 35), 5) << "units belong to their type";
 }
 
-TEST(TuningTable, FlagsStandBesideTheUnits) {
-    ISPParam table;
-    bool flag = true;
-    EXPECT_EQ(table.getEnableFlag("DN", flag), 0);
-    EXPECT_TRUE(flag);
-
-    table.setParam("DN", "day", 1, 2, "EE", 20);
-    EXPECT_EQ(table.getEnableFlag("DN", flag), 0) << "a unit says nothing about its type";
-    EXPECT_EQ(table.setEnableFlag("GAIN", true), 1);
-    table.setEnableFlag("GAIN", false);
-    EXPECT_EQ(table.getEnableFlag("GAIN", flag), 1);
-    EXPECT_FALSE(flag);
-
-    table.clear();
-    EXPECT_EQ(table.getEnableFlag("GAIN", flag), 0);
-    EXPECT_EQ(lookUp(table, "DN", "EE", 1), std::nullopt);
-}
-
-TEST(TuningTable, UnitsAreValues) {
-    ISPParamUnit unit;
-    EXPECT_EQ(unit.setName("night") & unit.setMin(-5) & unit.setMax(5) & unit.setParam("DC", 7), 1);
-    ISPParamUnit copy(unit);
-    unit.setParam("DC", 8);
-    unit.setName("day");
-
-    std::string name;
-    int min = 0;
-    int max = 0;
-    int value = 0;
-    EXPECT_EQ(copy.getName(name) & copy.getMin(min) & copy.getMax(max) & copy.getParam("DC", value), 1);
-    EXPECT_EQ(name, "night");
-    EXPECT_EQ(min, -5);
-    EXPECT_EQ(max, 5);
-    EXPECT_EQ(value, 7);
-    EXPECT_EQ(copy.getParam("EE", value), 0);
-    EXPECT_EQ(value, 7);
-}
-
 } // namespace

@@ -201,7 +201,7 @@ void TargetOptions::check(bool needsPort) const {
     if (simulated && !isOnChip())
         checkSimulated(moduleId);
     if ((!simulated || isOnChip()) && (!faults.empty() || simulatedRestart || baudPace != 0))
-        throw Failure(Usage, "--fault, --baud-pace and --simulated-restart need a simulated block");
+        throw Failure(Usage, "--fault, --baud-pace and --simulated-restart need --simulated and a block");
     for (const std::string& plan : faults)
         checkFaults(plan);
     if (port.find(';') != std::string::npos)

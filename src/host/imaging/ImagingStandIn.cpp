@@ -494,7 +494,10 @@ int BrAewb_UiSetAeCtrlMode(int value) { return write(Function::BrAewb_UiSetAeCtr
 
 int BrAewb_UiGetNightColorMode() { return read(Function::BrAewb_UiGetNightColorMode); }
 
-int BrAewb_UiSetNightColorMode(int, int value) { return write(Function::BrAewb_UiSetNightColorMode, value); }
+int BrAewb_UiSetNightColorMode(int constant, int value) {
+    // The first argument has one value; with another the library's behaviour is not known.
+    return constant == 1 ? write(Function::BrAewb_UiSetNightColorMode, value) : -1;
+}
 
 int BrAewb_UiGetMaxGain4Auto() { return read(Function::BrAewb_UiGetMaxGain4Auto); }
 
