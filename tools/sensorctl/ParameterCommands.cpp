@@ -138,12 +138,14 @@ int listModules(Output& output) {
         const auto blocks = camerasim::blockEntries();
         const auto block = std::find_if(blocks.begin(), blocks.end(),
                                         [id](const camerasim::BlockEntry& entry) { return entry.moduleId == id; });
-        const std::string name = block != blocks.end() ? std::string(block->name) : "-";
+        std::string name = block != blocks.end() ? std::string(block->name) : "-";
+        if (!sensorcontrol::describeModel(id)->hasPort)
+            name = "pipeline"; // there is no other in this process
         Json object;
         object["id"] = id;
         object["class"] = parameters.className();
         object["parameters"] = parameters.all().size();
-        object["simulated"] = block != blocks.end() ? Json(name) : Json();
+        object["simulated"] = name != "-" ? Json(name) : Json();
         output.record(
             moduleLine(std::to_string(id), parameters.className(), std::to_string(parameters.all().size()), name),
             object);

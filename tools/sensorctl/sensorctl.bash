@@ -2,8 +2,8 @@
 
 _sensorctl() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="modules list get set reset run watch scheme daynight trace decode simulate ui"
-    local target="--module --config --product --board --port --line --simulated --detail --video-system --resolution --root --schemes --gpio --trace --fault
+    local commands="modules list get set reset run watch scheme daynight edge trace decode simulate ui"
+    local target="--module --config --product --board --port --line --simulated --detail --video-system --resolution --root --schemes --tuning --gpio --trace --fault
         --baud-pace --simulated-restart"
     local common="--help --json --verbose"
     COMPREPLY=()
@@ -27,7 +27,7 @@ _sensorctl() {
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
         return
         ;;
-    --trace | --link | --state | --plot)
+    --trace | --link | --state | --plot | --tuning)
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
         ;;
@@ -73,6 +73,7 @@ _sensorctl() {
     daynight) options+=" $target --wait --ambient --day --light --hours --plot" ;;
     scheme) options+=" $target --day --light --hours --plot" ;;
     trace) options+=" $target --for" ;;
+    edge) options+=" --plot" ;;
     decode) options+=" --module" ;;
     simulate) options+=" --module --link --baud --fault --state" ;;
     ui) options+=" --config --product --board --language --explain --print" ;;
