@@ -16,7 +16,7 @@ using Words = std::vector<std::string>;
 class PipelineTest : public ::testing::Test {
 protected:
     Words onChip(const std::string& command, const Words& more = {}) const {
-        Words words = {command, "--module", "4", "--root", m_Folder.path() + "/root"};
+        Words words = {command, "--module", "4", "--root", m_Folder.path() + "/device"};
         words.insert(words.end(), more.begin(), more.end());
         return words;
     }

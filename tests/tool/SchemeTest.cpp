@@ -14,13 +14,13 @@ using Words = std::vector<std::string>;
 class SchemeTest : public ::testing::Test {
 protected:
     ToolProcess::Result run(const std::string& command, const Words& more = {}, const std::string& input = {}) const {
-        Words words = {command, "--module", "16", "--simulated", "--root", m_Folder.path() + "/root"};
+        Words words = {command, "--module", "16", "--simulated", "--root", m_Folder.path() + "/device"};
         words.insert(words.end(), more.begin(), more.end());
         return ToolProcess::run(m_Folder.path(), words, input);
     }
     std::string line(int scheme, const std::string& state) const {
         return "scheme " + std::to_string(scheme) + ' ' + state + ' ' + m_Folder.path() +
-               "/root/mnt/mtd/code/config_file/sensor" + std::to_string(scheme + 1) + ".cfg\n";
+               "/device/mnt/mtd/code/config_file/sensor" + std::to_string(scheme + 1) + ".cfg\n";
     }
 
     TempFolder m_Folder;
@@ -59,7 +59,7 @@ TEST_F(SchemeTest, playsADay) {
     const std::string script = "scheme span 1 05:00-06:00\nscheme enable 1\nscheme span 0 06:10-07:00\n"
                                "scheme choose 1\nset DayNightMode=2\nflush\n";
     ASSERT_EQ(run("run", {"--schemes", "2"}, script).code, 0);
-    const std::string sensorXml = m_Folder.read("root/mnt/mtd/code/config_file/sensor.xml");
+    const std::string sensorXml = m_Folder.read("device/mnt/mtd/code/config_file/sensor.xml");
 
     const std::string drawing = m_Folder.path() + "/day.svg";
     const ToolProcess::Result day = run("scheme", {"--day", "--hours", "04:50-06:40", "--light", "05:30-20:00",
@@ -76,7 +76,7 @@ TEST_F(SchemeTest, playsADay) {
     EXPECT_THAT(svg, HasSubstr("1  05:00-06:00"));
     EXPECT_THAT(svg, EndsWith("</svg>\n"));
     // What was played has left no trace.
-    EXPECT_EQ(m_Folder.read("root/mnt/mtd/code/config_file/sensor.xml"), sensorXml);
+    EXPECT_EQ(m_Folder.read("device/mnt/mtd/code/config_file/sensor.xml"), sensorXml);
 
     EXPECT_EQ(run("scheme", {"--day", "--hours", "04:50-04:51", "--plot", m_Folder.path() + "/none/day.svg"}).code, 4);
     EXPECT_EQ(run("scheme", {"--day", "--light", "20:00-06:00"}).code, 1);

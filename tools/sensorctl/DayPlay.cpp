@@ -220,7 +220,8 @@ std::string DayPlay::whyScheme(int scheme) const {
 }
 
 std::optional<int> DayPlay::value(const std::string& name) {
-    for (const sensorcontrol::ParameterInfo& parameter : Parameters(m_Options.moduleId).all()) {
+    const Parameters parameters(m_Options.moduleId);
+    for (const sensorcontrol::ParameterInfo& parameter : parameters.all()) {
         std::string text;
         std::map<int, int> values;
         if (parameter.name == name && controller().getParameters('(' + std::to_string(parameter.id) + ')', text) &&

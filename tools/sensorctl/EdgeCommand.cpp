@@ -107,11 +107,11 @@ void drawEdges(const std::string& path) {
     for (std::size_t i = 0; i < CoefficientCount; ++i)
         coefficients.curve("coefficient " + std::to_string(i), Colours[i],
                            [i](int strength) { return recordOf(strength).words[FirstCoefficient + i]; });
-    const auto& table = SensorEEDefine::SensorEdgeEnhanceTbl;
     Diagram curve(drawing, top + 2 * pitch, "Curve: entry by index, as 9-bit signed numbers",
-                  static_cast<double>(table.size() - 1), -curveLimit / 2.0, curveLimit / 2.0);
-    curve.curve("curve", Colours[0], [&table](int index) {
-        const int entry = table[static_cast<std::size_t>(index)];
+                  static_cast<double>(SensorEEDefine::SensorEdgeEnhanceTbl.size() - 1), -curveLimit / 2.0,
+                  curveLimit / 2.0);
+    curve.curve("curve", Colours[0], [](int index) {
+        const int entry = SensorEEDefine::SensorEdgeEnhanceTbl[static_cast<std::size_t>(index)];
         return entry >= curveLimit ? entry - 2 * curveLimit : entry;
     });
     drawing.save(path);
