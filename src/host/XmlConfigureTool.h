@@ -75,8 +75,9 @@ public:
     XmlConfigureTool(const XmlConfigureTool&) = delete;
     XmlConfigureTool& operator=(const XmlConfigureTool&) = delete;
 
-    /// 1, or 0: a missing or malformed file, one longer than 1 MiB or nested deeper than 64 elements, or for Create one
-    /// that cannot be made. Create makes the file at close. Gives up what was open. `format` is 1.
+    /// 1, or 0: a missing or malformed file, one that is no UTF-8, has more than 1 MiB, 64 elements within each other,
+    /// 32,768 nodes or 1,024 attributes of an element, or for Create one that cannot be made. Create makes the file at
+    /// close. Gives up what was open. `format` is 1.
     int open(const std::string& path, int format, int mode);
 
     /// Writes the file unless it was opened for reading only. 1, or 0 if it cannot be written: then the old one stands.

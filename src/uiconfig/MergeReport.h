@@ -8,6 +8,18 @@ namespace sensorcontrol {
 
 /// What a style merge did, block by block. Keys are absent where an element has no attribute.
 struct MergeReport {
+    /// How far a document could be used.
+    enum class Reading {
+        NotRead, ///< it cannot be opened or read
+        Refused, ///< beyond a limit
+        Broken,  ///< no sound XML: the merge went by what stands before the fault
+        Whole
+    };
+    struct Document {
+        std::string path;
+        Reading reading = Reading::NotRead;
+    };
+
     /// A condition that was looked at: those behind the first one that does not hold are not.
     struct Condition {
         std::string key;
@@ -25,14 +37,17 @@ struct MergeReport {
         bool isDone = false; ///< false for the edit that ended the merge: no tab has the anchor's key
     };
 
+    /// Undecided ends the merge: the module's detail cannot be parsed.
+    enum class Verdict { Applies, DoesNotApply, Undecided };
     struct Block {
         std::string name; ///< of the element
-        bool applies = false;
+        Verdict verdict = Verdict::DoesNotApply;
         std::vector<Condition> conditions = {};
         std::vector<Edit> edits = {};
     };
 
-    std::vector<Block> blocks; ///< in document order, up to the one that ended the merge
+    std::vector<Document> documents; ///< base style and variations, up to one that was not read
+    std::vector<Block> blocks;       ///< in document order, up to the one that ended the merge
 };
 
 } // namespace sensorcontrol

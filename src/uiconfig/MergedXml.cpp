@@ -2,7 +2,7 @@
 
 #include "host/ModuleParameterParser.h"
 #include "host/xml/XmlShape.h"
-#include "uiconfig/FileText.h"
+#include "uiconfig/UiFile.h"
 
 #include <algorithm>
 #include <climits>
@@ -11,8 +11,8 @@
 #include <set>
 #include <utility>
 
-using sensorcontrol::FileText;
 using sensorcontrol::MergeReport;
+using sensorhost::FileText;
 using sensorhost::XmlShape;
 
 namespace {
@@ -40,27 +40,41 @@ std::set<std::string> tokensOf(const std::string& text) {
     return tokens;
 }
 
-bool readDocument(const std::string& path, std::string& text) {
-    FileText file = sensorcontrol::readFileText(path, static_cast<long long>(XmlShape::LengthLimit));
+MergeReport::Reading readDocument(const std::string& path, std::string& text) {
+    FileText file = sensorcontrol::readUiFile(path, static_cast<long long>(XmlShape::LengthLimit));
     if (file.result == FileText::Result::NotOpened)
         std::puts("mergeStyleXml file open failed ");
+    if (file.result == FileText::Result::TooLong)
+        return MergeReport::Reading::Refused;
     if (file.result != FileText::Result::Done)
-        return false;
-    if (!XmlShape::of(file.text, false).isWithinLimits()) {
+        return MergeReport::Reading::NotRead;
+    const XmlShape shape = XmlShape::of(file.text, false);
+    if (shape.isObscure)
+        std::printf("%s is refused: the encoding in its declaration is written with an '&'\n", path.c_str());
+    else if (!shape.isWithinLimits())
         std::printf("%s is refused: more than %d elements within each other, %d nodes or %d attributes of an element\n",
                     path.c_str(), XmlShape::DepthLimit, XmlShape::NodeLimit, XmlShape::AttributeLimit);
-        return false;
-    }
+    if (!shape.isWithinLimits())
+        return MergeReport::Reading::Refused;
     text = std::move(file.text);
     text.resize(std::min(text.find('\0'), text.size()));
     text.append(XmlShape::ParserOverrun, '\0');
-    return true;
+    return shape.isWhole ? MergeReport::Reading::Whole : MergeReport::Reading::Broken;
 }
 
-void parseInto(TiXmlDocument& document, const std::string& text) {
+/// The text goes when it is parsed. False for text that has a fault.
+bool parseInto(TiXmlDocument& document, std::string&& text) {
+    const std::string parsed = std::move(text);
     // Without a tab size nothing counts lines, which some releases of the parser never finish on a cut character.
     document.SetTabSize(0);
-    document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    document.Parse(parsed.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    return !document.Error();
+}
+
+bool readTold(const std::string& path, std::string& text, MergeReport& report) {
+    const MergeReport::Reading reading = readDocument(path, text);
+    report.documents.push_back({.path = path, .reading = reading});
+    return reading == MergeReport::Reading::Whole || reading == MergeReport::Reading::Broken;
 }
 
 std::string printed(const TiXmlDocument& document) {
@@ -77,10 +91,11 @@ public:
     explicit ModuleDetail(std::string text) : m_strText(std::move(text)) {}
 
     bool parse() {
-        if (!m_bParsed)
-            m_bValid = m_strText.size() <= DetailLimit && m_Parser.parse(m_strText) != 0;
-        m_bParsed = true;
-        return m_bValid;
+        if (m_strText.size() > DetailLimit)
+            std::printf("the module's detail has %zu bytes, more than the %zu that are taken\n", m_strText.size(),
+                        DetailLimit);
+        m_bParsed = m_bParsed || (m_strText.size() <= DetailLimit && m_Parser.parse(m_strText) != 0);
+        return m_bParsed;
     }
 
     std::optional<std::string> valueOf(const std::string& key) const {
@@ -92,7 +107,6 @@ private:
     std::string m_strText;
     ModuleParameterParser m_Parser;
     bool m_bParsed = false;
-    bool m_bValid = false;
 };
 
 MergedXml::MergedXml() = default;
@@ -123,44 +137,50 @@ int MergedXml::mergeStyleXml(std::string detail) {
         std::puts("m_strStyleModifyPath or m_strStyleOriginalPath is NULL,Please set path first");
         return 0;
     }
+    MergeReport unwanted;
+    MergeReport& report = m_pReport != nullptr ? *m_pReport : unwanted;
+    report = {};
     std::string original;
     std::string modify;
-    if (!readDocument(m_strStyleOriginalPath, original) || !readDocument(m_strStyleModifyPath, modify))
+    if (!readTold(m_strStyleOriginalPath, original, report) || !readTold(m_strStyleModifyPath, modify, report))
         return 0;
-    parseInto(m_StyleOriginal, original);
-    parseInto(m_StyleModify, modify);
+    if (!parseInto(m_StyleOriginal, std::move(original)))
+        report.documents[0].reading = MergeReport::Reading::Broken;
+    if (!parseInto(m_StyleModify, std::move(modify)))
+        report.documents[1].reading = MergeReport::Reading::Broken;
 
     ModuleDetail module(std::move(detail));
     const TiXmlElement* block = m_StyleModify.FirstChildElement();
     for (; block != nullptr; block = block->NextSiblingElement()) {
-        bool applies = false;
+        MergeReport::Block told = judge(*block, module);
+        const MergeReport::Verdict verdict = told.verdict;
         if (m_pReport != nullptr)
-            m_pReport->blocks.push_back({.name = block->ValueStr()});
-        if (!evaluate(*block, module, applies))
-            return 0;
-        if (m_pReport != nullptr)
-            m_pReport->blocks.back().applies = applies;
-        if (applies && !apply(*block))
+            m_pReport->blocks.push_back(std::move(told));
+        if (verdict == MergeReport::Verdict::Undecided || (verdict == MergeReport::Verdict::Applies && !apply(*block)))
             return 0;
     }
     return 1;
 }
 
-int MergedXml::evaluate(const TiXmlElement& block, ModuleDetail& detail, bool& applies) {
-    applies = block.FirstAttribute() != nullptr;
-    for (const TiXmlAttribute* condition = block.FirstAttribute(); condition != nullptr && applies;
+MergeReport::Block MergedXml::judge(const TiXmlElement& block, ModuleDetail& detail) {
+    MergeReport::Block told = {.name = block.ValueStr()};
+    for (const TiXmlAttribute* condition = block.FirstAttribute(); condition != nullptr;
          condition = condition->Next()) {
         if (!detail.parse()) {
             std::puts("parse detail failed");
-            return 0;
+            told.verdict = MergeReport::Verdict::Undecided;
+            return told;
         }
         const std::optional<std::string> found = detail.valueOf(condition->Name());
-        applies = found && tokensOf(condition->ValueStr()).count(*found) != 0;
-        if (m_pReport != nullptr)
-            m_pReport->blocks.back().conditions.push_back(
-                {.key = condition->Name(), .accepted = condition->ValueStr(), .found = found, .holds = applies});
+        const bool holds = found && tokensOf(condition->ValueStr()).count(*found) != 0;
+        told.conditions.push_back(
+            {.key = condition->Name(), .accepted = condition->ValueStr(), .found = found, .holds = holds});
+        if (!holds)
+            return told;
     }
-    return 1;
+    if (!told.conditions.empty())
+        told.verdict = MergeReport::Verdict::Applies;
+    return told;
 }
 
 int MergedXml::apply(const TiXmlElement& block) {
@@ -180,7 +200,7 @@ int MergedXml::deleteTabs(const TiXmlElement& directive) {
         const std::optional<int> key = keyOf(*entry);
         const int tabs = key ? removeTabs(*key) : 0;
         report({.kind = MergeReport::EditKind::Delete, .key = key, .tabs = tabs, .isDone = true});
-        if (!isWithinReason())
+        if (!checkEffort())
             return 0;
     }
     return 1;
@@ -225,7 +245,7 @@ int MergedXml::addAfter(const TiXmlElement& directive) {
             last = m_StyleOriginal.FirstChildElement()->InsertAfterChild(found, *tab);
             report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*predecessor), .tabs = 1, .isDone = true});
             predecessor = tab;
-            if (!isWithinReason())
+            if (!checkEffort())
                 return 0;
         }
     }
@@ -244,7 +264,7 @@ int MergedXml::addBefore(const TiXmlElement& directive) {
             m_StyleOriginal.FirstChildElement()->InsertBeforeChild(found, *tab);
             report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*anchor), .tabs = 1, .isDone = true});
         }
-        if (!isWithinReason())
+        if (!checkEffort())
             return 0;
     }
     return 1;
@@ -269,11 +289,11 @@ int MergedXml::findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result) {
     return 0;
 }
 
-bool MergedXml::isWithinReason() const {
+int MergedXml::checkEffort() const {
     if (m_nKeysRead <= KeysReadLimit)
-        return true;
+        return 1;
     std::printf("%s is given up: tabs times edits are too many\n", m_strStyleModifyPath.c_str());
-    return false;
+    return 0;
 }
 
 void MergedXml::report(const MergeReport::Edit& edit) {

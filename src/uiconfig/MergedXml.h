@@ -44,22 +44,22 @@ public:
     int mergeLangXml(const std::string& detail);
     int getLangMergedString(const std::string& detail, std::string& text);
 
-    /// Lets the next merge write down what it does; null, as at the start, for nothing.
+    /// Lets the next merge write down what it does, in place of what stands there; null, as at the start, for nothing.
     void setReport(sensorcontrol::MergeReport* report) { m_pReport = report; }
 
 private:
     class ModuleDetail;
 
-    /// 1, or 0 if the detail text cannot be parsed; whether all conditions of the block hold.
-    int evaluate(const TiXmlElement& block, ModuleDetail& detail, bool& applies);
+    /// The block with its conditions, as far as they were looked at, and what follows from them.
+    static sensorcontrol::MergeReport::Block judge(const TiXmlElement& block, ModuleDetail& detail);
     int apply(const TiXmlElement& block);
     int deleteTabs(const TiXmlElement& directive);
     int addAfter(const TiXmlElement& directive);
     int addBefore(const TiXmlElement& directive);
     int removeTabs(int key);
     TiXmlNode* findAnchor(const TiXmlElement& anchor);
-    /// False, after a message, if the merge costs more than any useful one.
-    bool isWithinReason() const;
+    /// 1, or 0 after a message if the merge costs more than any useful one.
+    int checkEffort() const;
     void report(const sensorcontrol::MergeReport::Edit& edit);
     int failAt(sensorcontrol::MergeReport::EditKind kind, const TiXmlElement& anchor);
 

@@ -2,14 +2,14 @@
 
 #include "host/ModuleConfigureParser.h"
 #include "host/ModuleParameterParser.h"
-#include "uiconfig/FileText.h"
 #include "uiconfig/SensorUIConfigFile.h"
+#include "uiconfig/UiFile.h"
 
 #include <cstdio>
 #include <utility>
 #include <vector>
 
-using sensorcontrol::FileText;
+using sensorhost::FileText;
 
 SensorFile::SensorFile()
     : m_strModuleConfigFileName("/hd1/moduleConfig/moduleConfig.xml"),
@@ -55,7 +55,7 @@ void SensorFile::selectModule(const std::string& first, const std::string& secon
     if (!ModuleConfigureParser::parse(m_strModuleConfigFileName, first, second, modules))
         m_ModuleConfigure.setModuleId(0);
     for (const ModuleConfigure& module : modules) {
-        if (module.getModuleId() < FirstModuleId || module.getModuleId() > LastModuleId)
+        if (!isModuleId(module.getModuleId()))
             continue;
         m_ModuleConfigure.setModuleId(module.getModuleId());
         m_ModuleConfigure.setDetail(module.getDetail());
@@ -64,7 +64,7 @@ void SensorFile::selectModule(const std::string& first, const std::string& secon
 }
 
 int SensorFile::initUIInitConfigString(const std::string& path) {
-    FileText file = sensorcontrol::readFileText(path, sensorcontrol::ServedTextLimit);
+    FileText file = sensorcontrol::readUiFile(path, sensorcontrol::ServedTextLimit);
     switch (file.result) {
     case FileText::Result::Done:
         m_strUISensorConfig = std::move(file.text);

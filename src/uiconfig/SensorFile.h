@@ -22,6 +22,7 @@ public:
     /// The ids that a device's module can have. Records of the module list with others are passed over.
     static constexpr int FirstModuleId = 1;
     static constexpr int LastModuleId = 99;
+    static constexpr bool isModuleId(int id) { return id >= FirstModuleId && id <= LastModuleId; }
 
     /// Module list "/hd1/moduleConfig/moduleConfig.xml", directory "/hd1/moduleConfig/sensorConfig".
     SensorFile();
@@ -50,7 +51,8 @@ public:
     const std::string& getUILanguageConfig(int languageId) const;
     const std::string& getUICommonConfig(int languageId) const;
 
-    /// Lets the style merge of the next init write down what it does; null, as at the start, for nothing.
+    /// Lets each init write down what its style merge does; null, as at the start, for nothing. An init that does not
+    /// come to the texts leaves the report as it is.
     void setMergeReport(sensorcontrol::MergeReport* report);
 
 private:

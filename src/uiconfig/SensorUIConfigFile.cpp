@@ -2,8 +2,8 @@
 
 #include "host/BRFile.h"
 #include "host/SensorLanguageConfig.h"
-#include "uiconfig/FileText.h"
 #include "uiconfig/MergedXml.h"
+#include "uiconfig/UiFile.h"
 
 #include <cstdio>
 #include <utility>
@@ -20,13 +20,6 @@ const std::string& lookUp(const std::map<int, std::string>& texts, int languageI
     if (found == texts.end())
         found = texts.find(FallbackLanguage);
     return found != texts.end() ? found->second : empty;
-}
-
-std::size_t sizeOf(const std::map<int, std::string>& texts) {
-    std::size_t size = 0;
-    for (const auto& [languageId, text] : texts)
-        size += text.size();
-    return size;
 }
 
 } // namespace
@@ -53,6 +46,8 @@ std::string SensorUIConfigFile::getStyleDiversityPath() const {
 
 // Hosts are built against this signature.
 int SensorUIConfigFile::init(std::string detail) { // NOLINT(performance-unnecessary-value-param)
+    if (m_pMergeReport != nullptr)
+        *m_pMergeReport = {};
     std::vector<SensorLanguageConfig> languages;
     if (!SensorLanguageConfigParser::parse(m_strLanguageConfigFile, languages)) {
         std::puts("parse SensorLanguageConfig.xml failed ");
@@ -87,35 +82,35 @@ int SensorUIConfigFile::loadStyle(const std::string& detail) {
 }
 
 void SensorUIConfigFile::loadLanguage(int languageId, const std::string& folder) {
-    std::string text;
     const std::string common = m_strCommonPath + '/' + folder + "/SensorCommon.xml";
-    if (!readLanguageText(common, text)) {
+    if (!loadText(common, languageId, m_CommonTexts)) {
         std::printf("getCommonFile failed , path=%s\n", common.c_str());
         return;
     }
-    m_CommonTexts.emplace(languageId, std::move(text));
     const std::string language = m_strLanguagePath + '/' + folder + '/' + m_strPrefix + "Lang.xml";
-    if (!readLanguageText(language, text)) {
+    if (!loadText(language, languageId, m_LanguageTexts))
         std::printf("getLanguageFile failed , path=%s\n", language.c_str());
-        return;
-    }
-    m_LanguageTexts.emplace(languageId, std::move(text));
 }
 
-// A list may name one folder again and again, each time under another id.
-int SensorUIConfigFile::readLanguageText(const std::string& path, std::string& text) const {
+int SensorUIConfigFile::loadText(const std::string& path, int languageId, Texts& texts) {
+    std::string text;
     if (!getFileText(path, text))
         return 0;
-    const std::size_t held = sizeOf(m_CommonTexts) + sizeOf(m_LanguageTexts);
-    if (held + text.size() <= LanguageTextsLimit)
+    if (texts.count(languageId) != 0)
         return 1;
-    std::printf("the texts of all languages exceed %zu bytes\n", LanguageTextsLimit);
-    return 0;
+    // A list may name one folder again and again, each time under another id.
+    if (m_nLanguageBytes + text.size() > LanguageTextsLimit) {
+        std::printf("the texts of all languages exceed %zu bytes\n", LanguageTextsLimit);
+        return 0;
+    }
+    m_nLanguageBytes += text.size();
+    texts.emplace(languageId, std::move(text));
+    return 1;
 }
 
 int SensorUIConfigFile::getFileText(const std::string& path, std::string& text) const {
-    sensorcontrol::FileText file = sensorcontrol::readFileText(path, sensorcontrol::ServedTextLimit);
-    if (file.result != sensorcontrol::FileText::Result::Done)
+    sensorhost::FileText file = sensorcontrol::readUiFile(path, sensorcontrol::ServedTextLimit);
+    if (file.result != sensorhost::FileText::Result::Done)
         return 0;
     text = std::move(file.text);
     return 1;

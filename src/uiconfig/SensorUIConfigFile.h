@@ -2,6 +2,7 @@
 
 #include "host/Export.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
 
@@ -37,7 +38,7 @@ public:
     const std::string& getUICommonConfigString(int languageId) const;
     const std::string& getUILanguageConfigString(int languageId) const;
 
-    /// Lets the merge of the next init write down what it does; null, as at the start, for nothing.
+    /// Lets the merge of each init write down what it does; null, as at the start, for nothing.
     void setMergeReport(sensorcontrol::MergeReport* report) { m_pMergeReport = report; }
 
 private:
@@ -48,7 +49,8 @@ private:
     std::string getStyleDiversityPath() const;
     int loadStyle(const std::string& detail);
     void loadLanguage(int languageId, const std::string& folder);
-    int readLanguageText(const std::string& path, std::string& text) const;
+    /// 1 if the language has a text now, the file's or the one it had; 0 for a file that cannot be read or is too much.
+    int loadText(const std::string& path, int languageId, Texts& texts);
 
     std::string m_strUIConfigPath;
     std::string m_strStylePath;
@@ -61,5 +63,6 @@ private:
     std::string m_strStyle;
     Texts m_CommonTexts;
     Texts m_LanguageTexts;
+    std::size_t m_nLanguageBytes = 0; ///< of both
     sensorcontrol::MergeReport* m_pMergeReport = nullptr;
 };

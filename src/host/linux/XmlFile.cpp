@@ -1,6 +1,7 @@
 #include "host/linux/XmlFile.h"
 
 #include "host/BRFile.h"
+#include "host/xml/FileText.h"
 #include "host/xml/XmlShape.h"
 
 #include <algorithm>
@@ -44,17 +45,11 @@ std::shared_ptr<TiXmlDocument> parseXml(const std::string& text) {
 } // namespace
 
 std::shared_ptr<TiXmlDocument> loadXml(const std::string& path) {
-    BRFile file;
-    if (file.open(path.c_str(), BRFile::Read) == 0)
+    FileText file = readFileText<BRFile>(path, static_cast<long long>(XmlShape::LengthLimit));
+    if (file.result != FileText::Result::Done)
         return nullptr;
-    const long long length = file.getLength();
-    if (length < 0 || length > static_cast<long long>(XmlShape::LengthLimit))
-        return nullptr;
-    std::string text(static_cast<std::size_t>(length), '\0');
-    if (file.read(text.data(), static_cast<int>(length)) != length)
-        return nullptr;
-    text.resize(std::min(text.find('\0'), text.size()));
-    return parseXml(text);
+    file.text.resize(std::min(file.text.find('\0'), file.text.size()));
+    return parseXml(file.text);
 }
 
 bool saveXml(const std::string& path, const TiXmlDocument& document) {
