@@ -1,17 +1,18 @@
 #include "ConsoleCapture.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace sensorctl {
 
 ConsoleCapture::ConsoleCapture() : m_pFile(std::tmpfile()) {
-    if (m_pFile == nullptr)
-        return;
     std::fflush(stdout);
-    m_nSaved = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
-    if (m_nSaved >= 0)
-        ::dup2(::fileno(m_pFile), STDOUT_FILENO);
+    m_nSaved = m_pFile != nullptr ? ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3) : -1;
+    if (m_nSaved < 0 || ::dup2(::fileno(m_pFile), STDOUT_FILENO) < 0)
+        m_strFault = std::string("what the library says is not kept: ") + std::strerror(errno);
 }
 
 ConsoleCapture::~ConsoleCapture() {
@@ -31,9 +32,9 @@ void ConsoleCapture::restore() {
 
 std::vector<std::string> ConsoleCapture::finish() {
     restore();
+    if (!m_strFault.empty())
+        return {m_strFault};
     std::vector<std::string> lines;
-    if (m_pFile == nullptr)
-        return lines;
     std::rewind(m_pFile);
     std::string line;
     for (int c = 0; (c = std::fgetc(m_pFile)) != EOF || !line.empty();) {

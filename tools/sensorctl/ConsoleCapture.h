@@ -14,7 +14,8 @@ public:
     ConsoleCapture(const ConsoleCapture&) = delete;
     ConsoleCapture& operator=(const ConsoleCapture&) = delete;
 
-    /// Ends the capture. The lines without blanks at their ends, no empty ones.
+    /// Ends the capture. The lines without blanks at their ends, no empty ones; one that says so if nothing could be
+    /// kept (there is no room for temporary files).
     std::vector<std::string> finish();
 
 private:
@@ -22,6 +23,7 @@ private:
 
     std::FILE* m_pFile;
     int m_nSaved = -1;
+    std::string m_strFault;
 };
 
 } // namespace sensorctl

@@ -36,7 +36,7 @@ public:
     const std::vector<std::string>& complaints() const { return m_Complaints; }
 
 private:
-    void select(const ModuleSelection& selection);
+    void load(const ModuleSelection& selection);
 
     SensorFile m_File;
     sensorcontrol::MergeReport m_Report;
