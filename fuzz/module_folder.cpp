@@ -38,9 +38,7 @@ private:
     fuzzing::ScratchFolder m_Scratch;
 };
 
-bool isUsable(const ModuleConfigure& module) {
-    return module.getModuleId() >= SensorFile::FirstModuleId && module.getModuleId() <= SensorFile::LastModuleId;
-}
+bool isModule(const ModuleConfigure& module) { return SensorFile::isModuleId(module.getModuleId()); }
 
 } // namespace
 
@@ -60,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     SensorFile file;
     const int result = file.init("dome", "");
-    const auto last = std::find_if(modules.rbegin(), modules.rend(), isUsable);
+    const auto last = std::find_if(modules.rbegin(), modules.rend(), isModule);
     require(file.getModuleConfigure().getModuleId() == (last != modules.rend() ? last->getModuleId() : 0));
     require(result == 0 || hasLanguages == 1);
     require(result == 1 || file.getUIStyleConfig().empty());
