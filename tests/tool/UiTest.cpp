@@ -37,13 +37,29 @@ protected:
 };
 
 TEST_F(UiTest, printsOneTextAsItIs) {
-    const ToolProcess::Result style = run("ui", {"--product", "bullet", "--print", "style"});
-    EXPECT_EQ(style.code, 0) << style.err;
-    EXPECT_THAT(style.err, IsEmpty());
-    std::filesystem::copy(Source + "/tests/uiconfig/golden/bulletStyle.xml", m_Folder.path() + "/golden.xml");
-    EXPECT_EQ(style.out, m_Folder.read("golden.xml"));
-    EXPECT_EQ(run("ui", {"--language", "2", "--print", "language"}).out,
-              m_Folder.read("config/sensorConfig/language/german/cameraLang.xml"));
+    const ToolProcess::Result german = run("ui", {"--language", "2", "--print", "language"});
+    EXPECT_EQ(german.code, 0);
+    EXPECT_THAT(german.err, IsEmpty());
+    EXPECT_EQ(german.out, m_Folder.read("config/sensorConfig/language/german/cameraLang.xml"));
+
+    m_Folder.write("config/sensorConfig/cameraGui.xml", "");
+    EXPECT_EQ(run("ui", {"--print", "gui"}).out, "");
+    m_Folder.write("config/sensorConfig/cameraGui.xml", "\xc4\n");
+    EXPECT_EQ(run("ui", {"--print", "gui"}).out, "\xc4\n");
+    const ToolProcess::Result json = run("ui", {"--print", "gui", "--json"});
+    EXPECT_EQ(json.code, 4);
+    EXPECT_THAT(json.err, HasSubstr("text gui is no UTF-8, which JSON cannot hold"));
+}
+
+TEST_F(UiTest, saysThatLanguage1Answers) {
+    const ToolProcess::Result result = run("ui", {"--language", "99", "--print", "common", "--json"});
+    EXPECT_EQ(result.err, "warning: text common 99 is missing: that of language 1 stands for it\n");
+    const Json object = Json::parse(result.out);
+    EXPECT_EQ(object.at("language"), 99);
+    EXPECT_EQ(object.at("served"), 1);
+    EXPECT_THAT(run("ui", {"--language", "99"}).out, HasSubstr("==> common 99 (language 1) <==\n"));
+    std::filesystem::remove_all(m_Folder.path() + "/config/sensorConfig/common");
+    EXPECT_THAT(run("ui", {"--language", "99"}).err, HasSubstr("warning: text common 99 is missing or empty\n"));
 }
 
 TEST_F(UiTest, explainsModuleAndMergeFromWhatTheLibraryDid) {
@@ -74,7 +90,7 @@ TEST_F(UiTest, explainsModuleAndMergeFromWhatTheLibraryDid) {
     EXPECT_THAT(text, StartsWith("record 1 module 6 "));
     EXPECT_THAT(text, HasSubstr("chosen, the last that fits; detail isInfrared=0;autoIris=1;"));
     EXPECT_THAT(text, HasSubstr("block 2 generation is missing, wanted \"1,2,3\"\n"));
-    EXPECT_THAT(text, HasSubstr("block 4 add tab 22 after tab 8\nblock 4 add tab 23 after tab 22\n"));
+    EXPECT_THAT(text, HasSubstr("block 4 add tab 21 after tab 1\nblock 4 add tab 3 after tab 21\n"));
     EXPECT_THAT(text, HasSubstr("block 6 HDR=0 is none of \"1,2,3\"\n"));
     EXPECT_THAT(text, HasSubstr("==> common 1 <==\n<?xml"));
 }
@@ -90,6 +106,12 @@ TEST_F(UiTest, saysWhyAStyleCannotBeMade) {
     EXPECT_THAT(result.out, Not(HasSubstr("==>")));
     EXPECT_THAT(result.err, HasSubstr("reason: can't find tab by key(4)\n"));
 
+    const std::string style = m_Folder.path() + "/config/sensorConfig/style/cameraStyle.xml";
+    m_Folder.write("config/sensorConfig/style/cameraStyle.xml", "<style><tab id='1'>");
+    EXPECT_THAT(run("ui", {}).err, HasSubstr("reason: " + style + ": is no sound XML"));
+    std::filesystem::remove(style);
+    EXPECT_THAT(run("ui", {}).err, HasSubstr("reason: " + style + ": cannot be read\n"));
+
     m_Folder.write("config/moduleConfig.xml", "<moduleConfig><module id='100'/></moduleConfig>");
     EXPECT_THAT(run("ui", {}).err, HasSubstr("no module has an id from 1 to 99"));
     m_Folder.write("config/moduleConfig.xml", "<moduleConfig>");
@@ -97,11 +119,22 @@ TEST_F(UiTest, saysWhyAStyleCannotBeMade) {
     EXPECT_EQ(run("get", {"-s"}).code, 4);
 }
 
+TEST_F(UiTest, saysThatAnUnsoundDetailDecidesNothing) {
+    m_Folder.write("config/moduleConfig.xml", "<moduleConfig><module id='4' detail='broken' "
+                                              "parameters='GUIConfig=cameraGui.xml;Prefix=camera'/></moduleConfig>");
+    const ToolProcess::Result result = run("ui", {"--explain"});
+    EXPECT_THAT(result.out, HasSubstr("block 1 noInfrared is not decided: the module's detail cannot be parsed\n"));
+    EXPECT_THAT(result.out, Not(HasSubstr("no condition")));
+    EXPECT_THAT(result.err, HasSubstr("reason: parse detail failed\n"));
+}
+
 TEST_F(UiTest, tellsWhatIsMissingAndGoesOn) {
+    m_Folder.write("config/sensorConfig/styleDiversity/cameraStyleDiversity.xml", "<first isInfrared='5'>");
     std::filesystem::remove_all(m_Folder.path() + "/config/sensorConfig/language/german");
     const ToolProcess::Result result = run("ui", {"--language", "2", "--print", "language"});
     EXPECT_EQ(result.code, 0);
     EXPECT_THAT(result.err, HasSubstr("warning: getLanguageFile failed , path="));
+    EXPECT_THAT(result.err, HasSubstr("cameraStyleDiversity.xml: is no sound XML"));
     EXPECT_THAT(result.out, HasSubstr(">Exposure<"));
 }
 

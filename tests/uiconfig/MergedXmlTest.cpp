@@ -4,16 +4,13 @@
 
 #include "support/TempRoot.h"
 
-#include <fstream>
-#include <iterator>
-
 #include <gmock/gmock.h>
 
 namespace {
 
-using ::testing::EndsWith;
+using sensorcontrol::MergeReport;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
+using Reading = MergeReport::Reading;
 
 constexpr const char* Original = "/style.xml";
 constexpr const char* Modify = "/diversity.xml";
@@ -24,7 +21,7 @@ protected:
         int result = -1;
         std::string text = "untouched";
         std::string console;
-        sensorcontrol::MergeReport report;
+        MergeReport report;
     };
 
     Merged merge(const std::string& original, const std::string& modify, const std::string& detail = "k=1") const {
@@ -33,7 +30,7 @@ protected:
         return mergeFiles(detail);
     }
 
-    Merged mergeFiles(const std::string& detail = "k=1") const {
+    static Merged mergeFiles(const std::string& detail = "k=1") {
         Merged merged;
         MergedXml xml;
         xml.setStyleOriginalPath(Original);
@@ -73,14 +70,10 @@ protected:
 
 TEST_F(MergeTest, aBlockAppliesIfTheModuleHasOneOfTheValuesOfEachAttribute) {
     const auto applies = [this](const std::string& conditions, const std::string& detail) {
-        const Merged merged = merge(tabsOf("1"), "<b " + conditions + "><Delete><t k='1'/></Delete></b>", detail);
-        EXPECT_EQ(merged.result, 1) << merged.console;
-        EXPECT_EQ(merged.report.blocks[0].applies, keysOf(merged.text).empty());
-        return merged.report.blocks[0].applies;
+        return keysOf(merge(tabsOf("1"), "<b " + conditions + "><Delete><t k='1'/></Delete></b>", detail).text).empty();
     };
     EXPECT_TRUE(applies("A='20,30' B='1'", "A=30;B=1"));
     EXPECT_FALSE(applies("A='20,30' B='1'", "A=30"));
-    EXPECT_FALSE(applies("A='20,30' B='1'", "A=3;B=1"));
     EXPECT_FALSE(applies("A='20,30' B='1'", "A=30;B=2"));
     EXPECT_FALSE(applies("A='20'", "A=200"));
     EXPECT_FALSE(applies("a='20'", "A=20"));
@@ -89,7 +82,6 @@ TEST_F(MergeTest, aBlockAppliesIfTheModuleHasOneOfTheValuesOfEachAttribute) {
     EXPECT_FALSE(applies("A=''", "A="));
     EXPECT_FALSE(applies("A='20,'", "A="));
     EXPECT_TRUE(applies("A='20,,30'", "A="));
-    EXPECT_TRUE(applies("A=','", "A="));
     EXPECT_FALSE(applies("", "A=1"));
 }
 
@@ -102,11 +94,7 @@ TEST_F(MergeTest, everyTopLevelElementIsABlockAndTheFirstFailingConditionIsTheLa
     ASSERT_EQ(merged.report.blocks.size(), 4U);
     EXPECT_EQ(merged.report.blocks[1].conditions.size(), 1U);
     EXPECT_FALSE(merged.report.blocks[1].conditions[0].found);
-    EXPECT_EQ(merged.report.blocks[2].conditions[0].found, "1");
-    EXPECT_EQ(merged.report.blocks[3].name, "d");
     EXPECT_EQ(merged.report.blocks[3].conditions.size(), 2U);
-    ASSERT_EQ(merged.report.blocks[3].edits.size(), 1U);
-    EXPECT_EQ(merged.report.blocks[3].edits[0].tabs, 1);
 }
 
 TEST_F(MergeTest, deletesEveryTabOfAKey) {
@@ -115,16 +103,9 @@ TEST_F(MergeTest, deletesEveryTabOfAKey) {
     };
     EXPECT_EQ(without("1223", "2"), "13");
     EXPECT_EQ(without("1123", "1"), "23");
-    EXPECT_EQ(without("1233", "3"), "12");
-    EXPECT_EQ(without("11", "1"), "");
     EXPECT_EQ(without("123", "9"), "123");
-    EXPECT_EQ(without("1xy3", "0"), "13") << "a text without a number is 0";
-    EXPECT_EQ(without("1-0", "0"), "1-") << "no attribute is no key";
-    EXPECT_EQ(keysAfter("10-", "<Delete><x/><x k='1'/></Delete>"), "0-");
-    EXPECT_EQ(keysAfter("12", "<delete><x k='1'/></delete><Delete2><x k='2'/></Delete2>"), "12");
-}
-
-TEST_F(MergeTest, theFirstAttributeIsTheKeyWhateverItsName) {
+    EXPECT_EQ(without("1x-3", "0"), "1-3") << "a text without a number is 0, no attribute is no key";
+    EXPECT_EQ(keysAfter("10-", "<Delete><x/><x k='1'/></Delete><delete><x k='0'/></delete>"), "0-");
     EXPECT_EQ(merge("<s><t b='5' a='9'/><t a=' +7x'/><t a='-3'/><t a='99999999999999'/><o><t a='5'/></o></s>",
                     "<b k='1'><Delete><x z='5' a='9'/><x z='7'/><x z='-3'/><x z='2147483647'/></Delete></b>")
                   .text,
@@ -134,12 +115,10 @@ TEST_F(MergeTest, theFirstAttributeIsTheKeyWhateverItsName) {
 TEST_F(MergeTest, newTabsStandInTheirOrderAfterOrBeforeTheAnchor) {
     EXPECT_EQ(keysAfter("123", "<AddAfter><a k='2'><n k='7'/><n k='8'/></a></AddAfter>"), "12783");
     EXPECT_EQ(keysAfter("123", "<AddBefore><a k='2'><n k='7'/><n k='8'/></a></AddBefore>"), "17823");
-    EXPECT_EQ(keysAfter("123", "<AddAfter><a k='3'><n k='7'/></a><a k='7'><n k='8'/></a></AddAfter>"), "12378");
     EXPECT_EQ(keysAfter("123", "<AddBefore><a k='1'><n k='7'/></a><a k='7'><n k='8'/></a></AddBefore>"), "87123");
     EXPECT_EQ(keysAfter("1232", "<AddAfter><a k='2'><n k='7'/></a></AddAfter>"), "12732") << "the first of a key";
     EXPECT_EQ(keysAfter("123", "<AddAfter><a k='3'><n k='1'/><n k='7'/></a></AddAfter>"), "17231")
         << "what follows a new tab is placed behind the first tab of its key";
-    EXPECT_EQ(keysAfter("12", "<AddAfter><a k='2'><n/><n/><n k='7'/></a></AddAfter>"), "12--7");
     EXPECT_EQ(keysAfter("12", "<AddAfter><a k='2'><n k='7'/><n/><n k='8'/></a></AddAfter>"), "127-8");
     EXPECT_EQ(keysAfter("12", "<AddBefore><a k='2'><n/><n k='7'/></a></AddBefore>"), "1-72");
 }
@@ -150,56 +129,60 @@ TEST_F(MergeTest, anAnchorThatIsNotThereEndsTheMerge) {
     EXPECT_EQ(keysAfter("123", "<AddAfter><a k='4'/></AddAfter>"), "123") << "not looked up without a new tab";
     EXPECT_EQ(keysAfter("123", "<AddBefore><a k='4'/></AddBefore>"), lost) << "looked up at once";
     EXPECT_EQ(keysAfter("0-", "<AddBefore><a/></AddBefore>"), "can't find tab by key(0)\nmergeStyleXml failed\n");
-    EXPECT_EQ(keysAfter("0-", "<AddAfter><a/><a><n k='7'/></a></AddAfter>"),
-              "can't find tab by key(0)\nmergeStyleXml failed\n");
 
     const Merged merged = merge(tabsOf("34"), "<a k='1'><Delete><t k='4'/></Delete></a>"
                                               "<b k='1'><AddAfter><t k='4'><n k='5'/></t></AddAfter></b><c k='1'/>");
-    EXPECT_EQ(merged.result, 0);
     EXPECT_EQ(merged.text, "untouched");
     EXPECT_EQ(merged.console, lost);
     ASSERT_EQ(merged.report.blocks.size(), 2U);
     EXPECT_FALSE(merged.report.blocks[1].edits.at(0).isDone);
-    EXPECT_EQ(merged.report.blocks[1].edits[0].anchor, 4);
 }
 
 TEST_F(MergeTest, filesAndDetailsThatCannotBeRead) {
     MergedXml xml;
-    std::string text = "untouched";
+    xml.setStyleModifyPath(Modify);
     ::testing::internal::CaptureStdout();
-    EXPECT_EQ(xml.getStyleMergedString("", text), 0);
-    EXPECT_EQ(xml.setStyleModifyPath(Modify), 1);
     EXPECT_EQ(xml.mergeStyleXml(""), 0);
-    const std::string unset = "m_strStyleModifyPath or m_strStyleOriginalPath is NULL,Please set path first\n";
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), unset + "mergeStyleXml failed\n" + unset);
-    EXPECT_EQ(text, "untouched");
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+              "m_strStyleModifyPath or m_strStyleOriginalPath is NULL,Please set path first\n");
 
-    for (const char* const present : {Original, Modify}) {
-        m_Root.write(present, "<a/>");
-        EXPECT_EQ(mergeFiles().console, "mergeStyleXml file open failed \nmergeStyleXml failed\n");
-        m_Root.remove(present);
-    }
-    EXPECT_EQ(merge("<s/>", "<b k='1'/>", "broken").console, "parse detail failed\nmergeStyleXml failed\n");
-    EXPECT_EQ(merge("<s/>", "<b k='1'/>", "k=" + std::string(16'384, 'x')).result, 0);
+    m_Root.write(Original, "<a/>");
+    const Merged merged = mergeFiles();
+    EXPECT_EQ(merged.console, "mergeStyleXml file open failed \nmergeStyleXml failed\n");
+    EXPECT_EQ(merged.report.documents.back().path, Modify);
+    EXPECT_EQ(merged.report.documents.back().reading, Reading::NotRead);
+
+    const std::string refused = "parse detail failed\nmergeStyleXml failed\n";
+    const Merged broken = merge("<s/>", "<b/><b k='1'/>", "broken");
+    EXPECT_EQ(broken.console, refused);
+    ASSERT_EQ(broken.report.blocks.size(), 2U);
+    EXPECT_EQ(broken.report.blocks[1].verdict, MergeReport::Verdict::Undecided);
+    EXPECT_EQ(merge("<s/>", "<b k='1'/>", "k=" + std::string(16'384, 'x')).console,
+              "the module's detail has 16386 bytes, more than the 16384 that are taken\n" + refused);
     EXPECT_EQ(merge("<s/>", "<b/>", "broken").result, 1) << "no condition asks for it";
 }
 
 TEST_F(MergeTest, documentsOfAnyShapeAreUsedAsFarAsTheyGo) {
     const std::string add = "<b k='1'><AddAfter><t k='1'><n k='7'/></t></AddAfter></b>";
     const std::string drop = "<b k='1'><Delete><t k='1'/></Delete></b>";
-    EXPECT_EQ(merge("<s><t k='1'/></s>", "").text, "<s>\n    <t k=\"1\" />\n</s>\n");
-    EXPECT_EQ(merge("<s><t k='1'/></s>", "no element").result, 1);
+    const auto readings = [](const Merged& merged) {
+        return std::pair(merged.report.documents.at(0).reading, merged.report.documents.at(1).reading);
+    };
+    const Merged cutStyle = merge("<s><t k='1'/><t k='2'/", add);
+    EXPECT_EQ(keysOf(cutStyle.text), "172");
+    EXPECT_EQ(readings(cutStyle), std::pair(Reading::Broken, Reading::Whole));
+    const Merged cutVariations = merge("<s><t k='1'/></s>", "<b k='1'><Delete><t k='1'/><t");
+    EXPECT_EQ(keysOf(cutVariations.text), "");
+    EXPECT_EQ(readings(cutVariations), std::pair(Reading::Whole, Reading::Broken));
+    EXPECT_EQ(readings(merge("<s></t>", "<b k='1' k='2'/>")), std::pair(Reading::Broken, Reading::Broken));
     EXPECT_EQ(merge("", drop).text, "") << "nothing to delete is no failure";
     EXPECT_EQ(merge("", add).console, "can't find tab by key(1)\nmergeStyleXml failed\n");
-    EXPECT_EQ(keysOf(merge("<s><t k='1'/><t k='2'/", add).text), "172") << "cut";
-    EXPECT_EQ(keysOf(merge("<s><t k='1'/></s>", "<b k='1'><Delete><t k='1'/><t").text), "") << "cut";
     EXPECT_EQ(merge(std::string("<s/>\0<t/>", 9), "").text, "<s />\n");
     EXPECT_EQ(merge("<?xml version='1.0' encoding='GB2312'?><s t='\xc4\xe3'/>", "").text,
               "<?xml version=\"1.0\" encoding=\"GB2312\" ?>\n<s t=\"\xc4\xe3\" />\n");
     for (const char* const text : {"<?xml ", "<?xml encoding", "<s t='\xf0", "<s>\xf0", "\xef\xbb\xbf<s>\xef", "<s>&#x",
                                    "<s>&#0;</s>", "<", "<s t", "<![CDATA[", "<!-- "}) {
         EXPECT_EQ(merge(text, text).result, 1) << text;
-        merge(text, drop);
         merge("<s><t k='1'/></s>", std::string("<b k='1'><AddBefore><a k='1'>") + text);
     }
 }
@@ -211,40 +194,23 @@ TEST_F(MergeTest, refusesWhatIsTooLargeOrTooDeepByWhateverItIsHidden) {
             text += part;
         return text;
     };
-    const std::string deep[] = {
-        times(60'000, "<a>"),
-        times(60'000, "<a><!-- </a> -->"),
-        times(60'000, "<a b='</a>'>"),
-        times(60'000, "<a>&#x</a>x1;"),
-        times(60'000, "<a>&#</a>#1;"),
-        "\xef\xbb\xbf" + times(60'000, "<a>\xf0</a>"),
-        times(65, "<a>"),
-    };
-    for (const std::string& text : deep) {
+    for (const std::string& text :
+         {times(60'000, "<a><!-- </a> -->"), times(60'000, "<a b='</a>'>"), times(60'000, "<a>&#x</a>x1;"),
+          "\xef\xbb\xbf" + times(60'000, "<a>\xf0</a>"), times(65, "<a>")}) {
         for (const Merged& merged : {merge(text, "<b/>"), merge("<s/>", text)}) {
-            EXPECT_EQ(merged.result, 0) << text.substr(0, 30);
             EXPECT_THAT(merged.console, HasSubstr(".xml is refused: more than 64 elements within each other"));
-            EXPECT_THAT(merged.console, EndsWith("mergeStyleXml failed\n"));
+            EXPECT_EQ(merged.report.documents.back().reading, Reading::Refused);
         }
     }
     EXPECT_EQ(merge(times(64, "<a>") + times(64, "</a>"), "<b/>").result, 1);
-    EXPECT_THAT(merge("<s/>", "<b>" + times(32'768, "<t/>") + "</b>").console, HasSubstr("32768 nodes"));
+    EXPECT_THAT(merge("<s/>", "<?xml encoding='&#x4c;'?><b/>").console,
+                HasSubstr("/diversity.xml is refused: the encoding in its declaration is written with an '&'\n"));
     EXPECT_THAT(merge("<s>" + times(30'000, "<t a='1'/>") + "</s>",
                       "<b k='1'><Delete>" + times(30'000, "<t a='2'/>") + "</Delete></b>")
                     .console,
                 HasSubstr("/diversity.xml is given up: tabs times edits are too many\n"));
     EXPECT_THAT(merge(std::string(10UL * 1024 * 1024, ' '), "<b/>").console,
                 HasSubstr("/style.xml has 10485760 bytes, more than the 1048576 that are taken\n"));
-}
-
-TEST_F(MergeTest, languagesAreNotMerged) {
-    MergedXml xml;
-    std::string text = "old";
-    EXPECT_EQ(xml.setLangOriginalPath(Original), 1);
-    EXPECT_EQ(xml.setLangModifyPath(Modify), 1);
-    EXPECT_EQ(xml.mergeLangXml(""), 1);
-    EXPECT_EQ(xml.getLangMergedString("", text), 1);
-    EXPECT_THAT(text, IsEmpty());
 }
 
 } // namespace
