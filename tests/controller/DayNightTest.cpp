@@ -301,36 +301,3 @@ TEST_F(DayNight, StatusComesFromTheRightSource) {
                         : "GPIO(1) get DNLevel failed value = -1\n");
     }
 }
-
-TEST_F(DayNight, InfraredLightFrames) {
-    using Setter = int (ISensorController::*)(int);
-    struct Case {
-        Setter set;
-        int highest;
-        const char *name, *frame;
-    };
-    for (const Case& one : std::initializer_list<Case>{
-             {&ISensorController::setPowerMode, 1, "setPowerMode", "FE 01 1E 02 01 01 23 FF"},
-             {&ISensorController::setNearLight, 100, "setNearLight", "FE 01 1E 02 06 64 8B FF"},
-             {&ISensorController::setMiddleLight, 100, "setMiddleLight", "FE 01 1E 02 07 64 8C FF"},
-             {&ISensorController::setFarLight, 100, "setFarLight", "FE 01 1E 02 08 64 8D FF"}}) {
-        c().m_FailingCalls.clear();
-        for (const int infrared : {0, 1}) {
-            c().m_nInfrared = infrared;
-            for (const int wrong : {-1, one.highest + 1}) {
-                testing::internal::CaptureStdout();
-                EXPECT_EQ((c().*one.set)(wrong), 0);
-                EXPECT_EQ(testing::internal::GetCapturedStdout(),
-                          one.name + ("(" + std::to_string(wrong)) + ") out of range\n");
-            }
-            EXPECT_EQ((c().*one.set)(one.highest), 1);
-            EXPECT_EQ(c().takeCalls(), infrared == 0 ? Strings() : Strings{one.frame});
-        }
-        c().m_FailingCalls = {one.frame};
-        EXPECT_EQ((c().*one.set)(one.highest), 0);
-        c().takeCalls();
-    }
-    int value = 0;
-    EXPECT_EQ(c().getFarLight(value), 1);
-    EXPECT_EQ(value, 50);
-}

@@ -1,4 +1,5 @@
-// Whole days of schemes by the clock, minute by minute, against a plain account of what should be in force.
+// The daily spans: how they are edited, and which scheme the clock and the host put in force: whole days minute by
+// minute, against a plain account of what should be.
 
 #include "host/SensorParameterParser.h"
 #include "support/PlainBench.h"
@@ -73,6 +74,22 @@ protected:
                                            << c().m_nParamScheme << ", saved " << saved << ", values " << held;
     }
 
+    int schemeInFile() {
+        int scheme = -1;
+        c().getParamSchemeFromFile(scheme);
+        return scheme;
+    }
+    std::string record(int scheme) const {
+        int flag = 0;
+        int begin = 0;
+        int end = 0;
+        const ParamScheme& one = *m_pController->m_ParamSchemes.at(static_cast<std::size_t>(scheme));
+        one.getEnableFlag(flag);
+        one.getStartTime(begin);
+        one.getEndTime(end);
+        return std::to_string(flag) + " " + std::to_string(begin) + "-" + std::to_string(end);
+    }
+
     std::vector<Scheme> m_Schemes;
     int m_nInForce = 0;
     bool m_bSwitched = false;
@@ -124,11 +141,165 @@ TEST_F(SchemeDay, AStartInAGapLeavesEverySpanAlone) {
     const std::vector<Scheme> schemes{{1, 480, 720}, {1, 840, 1080}};
     start(schemes, 780);
     EXPECT_EQ(values("(1)"), "(1,11)"); // the factory's
+    int scheme = 77;
+    std::string text;
+    EXPECT_EQ(c().readCurrentParam(scheme, text), 0);
+    EXPECT_EQ(scheme, -1);
+    EXPECT_EQ(text, file("sensor_Factory.cfg"));
+    EXPECT_EQ(c().paramSchemeSwitchBody(), -1);
     EXPECT_EQ(values("(500)(501)(502)(503)(504)"), groups(schemes[0]));
     EXPECT_EQ(c().flush(), 1);
     EXPECT_THAT(file("sensor1.cfg"), HasSubstr(groups(schemes[0])));
     EXPECT_TRUE(passesAt(840)); // nobody covers the second's time
     EXPECT_THAT(values("(1)"), "(1,101)");
+    EXPECT_TRUE(hasLogged("SensorError Auto switch  Scheme to:1\n"));
+    writeFile("sensor2.cfg", "(1,5)"); // a scheme in force is not applied again
+    m_pClock->advance(3);
+    EXPECT_EQ(values("(1)"), "(1,101)");
+}
+
+TEST_F(SchemeDay, SpanSettersCheckOnlyWhileRunning) {
+    using Setter = int (ISensorController::*)(int);
+    constexpr Setter StartHour = &ISensorController::setParamStartTime_H;
+    constexpr Setter StartTens = &ISensorController::setParamStartTime_M;
+    constexpr Setter EndHour = &ISensorController::setParamEndTime_H;
+    constexpr Setter EndTens = &ISensorController::setParamEndTime_M;
+    struct Case {
+        int begin, end;
+        Setter set;
+        int argument;
+        int result; ///< the new time, 0 for a refusal
+        const char* refusal;
+        bool isCrossCheck;
+    };
+    start({{1, 0, Day}}, 720);
+    for (const Case& one : std::initializer_list<Case>{
+             {830, 1200, StartHour, 11, 1130, "", false},
+             {830, 1230, StartHour, 12, 1230, "", false},
+             {830, 1220, StartHour, 12, 0, "failed:startTime(1230) > endTime(1220)\n", true},
+             {800, 2330, StartHour, 24, 0, "failed:startTime(2400) > endTime(2330)\n", true},
+             {830, 10000, StartHour, 24, 0, "setParamStartTime_H failed:startTime > 24H,m_nParamSchemeStartTime=830\n",
+              false},
+             {800, 2400, StartHour, 24, 2400, "", false},
+             {830, 900, StartTens, 5, 850, "", false},
+             {800, 820, StartTens, 2, 820, "", false},
+             {800, 820, StartTens, 3, 0, "failed:startTime(830) > endTime(820)\n", true},
+             {2400, 10000, StartTens, 0, 2400, "", false},
+             {2400, 10000, StartTens, 1, 0,
+              "setParamStartTime_M failed:startTime > 24H,m_nParamSchemeStartTime=2400,p_nParamTime_M=1\n", false},
+             {830, 10000, EndHour, 8, 800, "", false}, // the minute is still to come
+             {830, 10000, EndHour, 7, 0, "failed:startTime(830) > endTime(700)\n", true},
+             {830, 1230, EndHour, 8, 830, "", false},
+             {830, 1220, EndHour, 8, 0, "failed:startTime(830) > endTime(820)\n", true},
+             {830, 1200, EndHour, 24, 2400, "", false},
+             {830, 1210, EndHour, 24, 0, "failed:endTime > 24H, m_nParamSchemeEndTime=1210\n", false},
+             {830, 800, EndTens, 4, 840, "", false},
+             {830, 800, EndTens, 3, 0, "failed:startTime(830) > endTime(830)\n", true},
+             {830, 2400, EndTens, 0, 2400, "", false},
+             {830, 2400, EndTens, 1, 0, "failed:endTime > 24H,m_nParamSchemeEndTime=2400,p_nParamTime_M=1\n", false}}) {
+        SCOPED_TRACE(testing::Message() << one.begin << "-" << one.end << " takes " << one.argument << one.refusal);
+        for (const bool isChecked : {true, false}) {
+            c().m_bisReset = !isChecked;
+            c().m_nParamSchemeStartTime = one.begin;
+            c().m_nParamSchemeEndTime = one.end;
+            c().setParamSchemeStartTime(0, one.begin);
+            c().setParamSchemeEndTime(0, one.end);
+            m_Root.remove("/mnt/mtd/log/SensorError.log");
+            const bool isRefused = *one.refusal != '\0' && (isChecked || !one.isCrossCheck);
+            EXPECT_EQ((c().*one.set)(one.argument), isRefused ? 0 : 1);
+            EXPECT_EQ(hasLogged(std::string("SensorError ") + one.refusal), isRefused);
+            const bool isStart = one.set == StartHour || one.set == StartTens;
+            if (isRefused) {
+                EXPECT_EQ(c().m_nParamSchemeStartTime, one.begin);
+                EXPECT_EQ(c().m_nParamSchemeEndTime, one.end);
+            } else if (one.result != 0) {
+                EXPECT_EQ(isStart ? c().m_nParamSchemeStartTime : c().m_nParamSchemeEndTime, one.result);
+                EXPECT_THAT(record(0), HasSubstr(std::to_string(one.result)));
+            }
+        }
+    }
+    c().m_bisReset = false;
+    c().m_nParamSchemeStartTime = 830;
+    c().m_nParamSchemeEndTime = 900;
+    EXPECT_EQ(c().setParameters("(501,23)"), 0);
+    EXPECT_TRUE(hasLogged("SensorError setParamStartTime_H failed\n"));
+}
+
+TEST_F(SchemeDay, TheHostsChoice) {
+    const std::vector<Scheme> schemes{{1, 0, Day}, {0, 70, 140}};
+    start(schemes, 720);
+    c().m_bNotes = true;
+    EXPECT_EQ(c().setParamMode(0), 1);
+    EXPECT_EQ(c().setParamScheme(1), 1);
+    m_pClock->advance(3);
+    int scheme = 0;
+    EXPECT_EQ(c().getParamScheme(scheme), 1);
+    EXPECT_EQ(scheme, 1);
+    EXPECT_EQ(schemeInFile(), 1);
+    EXPECT_EQ(values("(1)(500)(503)"), "(1,101)(500,0)(503,2)");
+    EXPECT_EQ(record(0), "1 0-2400");
+    EXPECT_EQ(record(1), "0 110-220");
+
+    // Refused: no such scheme, a file that is gone. The span in force stays.
+    c().takeCalls();
+    for (const int wrong : {-1, 2, 1000000})
+        EXPECT_EQ(c().setParamScheme(wrong), 0);
+    EXPECT_TRUE(hasLogged("switchParam failed: no parameter scheme -1"));
+    const std::string first = file("sensor1.cfg");
+    m_Root.remove(Folder + "sensor1.cfg");
+    EXPECT_EQ(c().setParamScheme(0), 0);
+    EXPECT_TRUE(hasLogged("switchParam failed: parameter scheme 0 can not be read"));
+    EXPECT_TRUE(c().takeCalls().empty());
+    EXPECT_EQ(values("(501)(502)(503)(504)"), "(501,1)(502,1)(503,2)(504,2)");
+    EXPECT_EQ(c().m_nParamSchemeEndTime, 220);
+    writeFile("sensor1.cfg", first);
+
+    // Both choices outlive a restart; in manual mode the clock does not undo them.
+    create();
+    ASSERT_EQ(init(), 1);
+    m_pClock->advance(3);
+    EXPECT_EQ(c().m_nParamScheme, 1);
+    EXPECT_EQ(c().m_nParamMode, 0);
+    EXPECT_TRUE(hasLogged("parameter scheme 1 is chosen, the clock applies 0"));
+    EXPECT_EQ(values("(1)(500)(501)(502)(503)(504)"), value(0) + groups(schemes[1]));
+    EXPECT_EQ(c().setParamScheme(1), 1); // the host's way to its values
+    EXPECT_EQ(c().flush(), 1);
+    EXPECT_THAT(file("sensor2.cfg"), HasSubstr(value(1)));
+    EXPECT_THAT(file("sensor2.cfg"), HasSubstr(groups(schemes[1])));
+    EXPECT_EQ(c().setParamMode(7), 1);
+    m_pClock->advance(1);
+    EXPECT_EQ(c().m_nParamScheme, 0);
+    EXPECT_THAT(file("sensor.xml"), HasSubstr("\"7\""));
+}
+
+TEST_F(SchemeDay, ChoiceFileKeepsWhatItDoesNotKnow) {
+    writeFile("sensor.xml", "<sensor note=\"x\"><other/><paramScheme><item name=\"Mine\" value=\"m\"/>"
+                            "<item name=\"SchemeIndex\" value=\"1\"/><item name=\"SchemeIndex\" value=\"9\"/>"
+                            "</paramScheme></sensor>");
+    int number = 77;
+    EXPECT_EQ(c().getParamSchemeFromFile(number), 1);
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(c().getParamSchemeModeFromFile(number), 0);
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(c().setParamSchemeModeToFile(3), 0);
+    EXPECT_EQ(c().setParamSchemeToFile(-4), 1);
+    EXPECT_EQ(c().getParamSchemeFromFile(number), 1);
+    EXPECT_EQ(number, -4);
+    EXPECT_EQ(c().setValueToParamSchemeNode("Mine", "a<\"&"), 1);
+    std::string text;
+    EXPECT_EQ(c().getValueFromParamSchemeNode("Mine", text), 1);
+    EXPECT_EQ(text, "a<\"&");
+    EXPECT_THAT(file("sensor.xml"), HasSubstr("<other"));
+    EXPECT_EQ(c().createSensorXML(), 1);
+    EXPECT_THAT(file("sensor.xml"), Not(HasSubstr("SchemeMode")));
+
+    // An index outside the list: the camera comes up, and says that it can not save.
+    ASSERT_EQ(init(), 1);
+    c().m_nParamMode = 0;
+    c().m_nParamScheme = -4;
+    EXPECT_EQ(c().setParameters("(500,0)(501,1)"), 1);
+    EXPECT_EQ(c().flush(), 0);
+    EXPECT_TRUE(hasLogged("flush failed: no parameter scheme -4"));
 }
 
 TEST_F(SchemeDay, ABrokenFileOfTheChoiceShadowsNoOtherScheme) {
@@ -146,32 +317,6 @@ TEST_F(SchemeDay, ABrokenFileOfTheChoiceShadowsNoOtherScheme) {
     }
 }
 
-TEST_F(SchemeDay, AfterAResetTheFirstSchemeHasTheWholeDay) {
-    start({{1, 480, 720}, {1, 730, 800}}, 600);
-    ASSERT_EQ(c().resetParameters(), 1);
-    m_pClock->setTimeOfDay(3, 0);
-    int scheme = -1;
-    std::string text;
-    EXPECT_EQ(c().readCurrentParam(scheme, text), 1);
-    EXPECT_EQ(scheme, 0);
-}
-
-TEST_F(SchemeDay, AManualChoiceKeepsItsSpanOverAStart) {
-    const std::vector<Scheme> schemes{{1, 0, Day}, {0, 60, 120}};
-    start(schemes, 780);
-    ASSERT_EQ(c().setParamMode(0), 1);
-    ASSERT_EQ(c().setParamScheme(1), 1);
-    create();
-    ASSERT_EQ(init(), 1);
-    m_pClock->advance(1.5);
-    EXPECT_TRUE(hasLogged("parameter scheme 1 is chosen, the clock applies 0"));
-    EXPECT_EQ(values("(1)(500)(501)(502)(503)(504)"), value(0) + groups(schemes[1]));
-    EXPECT_EQ(c().setParamScheme(1), 1); // the host's way to its values
-    EXPECT_EQ(c().flush(), 1);
-    EXPECT_THAT(file("sensor2.cfg"), HasSubstr(value(1)));
-    EXPECT_THAT(file("sensor2.cfg"), HasSubstr(groups(schemes[1])));
-}
-
 TEST_F(SchemeDay, AFailedOrBrokenSwitchLosesNoSetting) {
     const std::vector<Scheme> schemes{{1, 0, 720}, {1, 730, Day}};
     start(schemes, 600);
@@ -185,9 +330,12 @@ TEST_F(SchemeDay, AFailedOrBrokenSwitchLosesNoSetting) {
     c().m_FailingIds = {2};
     writeFile("sensor2.cfg", "(1,101)(2,55)" + groups(schemes[1]));
     EXPECT_EQ(c().setParamScheme(1), 0);
+    EXPECT_TRUE(hasLogged("setParameters @switchParam failed"));
     isUntouched();
     m_pClock->setTimeOfDay(13, 0);
     EXPECT_EQ(c().paramSchemeSwitchBody(), -1);
+    EXPECT_TRUE(hasLogged("setParameters failed @paramSchemeSwitchBody"));
+    EXPECT_EQ(schemeInFile(), 0);
     isUntouched();
     c().m_FailingIds.clear();
     for (const char* broken : {"", "(1,101)(2", "\xff"}) {

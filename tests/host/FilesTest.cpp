@@ -1,9 +1,10 @@
-#include "TemporaryRoot.h"
+#include "FullDisk.h"
 #include "host/BRFile.h"
 #include "host/BRLogger.h"
 #include "host/DiskManager.h"
 #include "host/linux/HostSettings.h"
 #include "host/linux/SimulatedClock.h"
+#include "support/TempRoot.h"
 
 #include <algorithm>
 #include <array>
@@ -44,7 +45,7 @@ TEST(HostPath, staysUnderTheRoot) {
 }
 
 TEST(BRFile, replacesAndReadsAsAWhole) {
-    const TemporaryRoot root;
+    const TempRoot root;
     for (const std::string& text : {std::string("(1,50)(2,-3)"), std::string("(1,5)"), std::string(),
                                     std::string(10'000, 'x'), std::string("a\0b", 3)}) {
         ASSERT_EQ(replace(text), static_cast<int>(text.size()));
@@ -63,7 +64,7 @@ TEST(BRFile, replacesAndReadsAsAWhole) {
 }
 
 TEST(BRFile, replacingKeepsTheFileItself) {
-    const TemporaryRoot root;
+    const TempRoot root;
     ASSERT_EQ(replace("one"), 3);
     struct stat before {};
     ::stat(root.path(FILE_PATH).c_str(), &before);
@@ -85,7 +86,7 @@ TEST(BRFile, replacingKeepsTheFileItself) {
 }
 
 TEST(BRFile, refusesWhatIsNoFile) {
-    const TemporaryRoot root;
+    const TempRoot root;
     root.write("/folder/file", "text");
     ASSERT_EQ(::mkfifo(root.path("/pipe").c_str(), 0600), 0);
     BRFile file;
@@ -123,7 +124,7 @@ TEST(BRFile, aFileThatTakesNoBytesGivesAnError) {
 }
 
 TEST(BRFile, aFullDiskLeavesTheOldText) {
-    const TemporaryRoot root;
+    const TempRoot root;
     const std::string old(600, 'o');
     ASSERT_EQ(replace(old), 600);
     {
@@ -181,7 +182,7 @@ bool canTrace() {
 std::string upToZero(const std::string& text) { return text.substr(0, text.find('\0')); }
 
 TEST(BRFile, aProcessKilledAtAnySystemCallLeavesTheOldOrTheNewText) {
-    const TemporaryRoot root;
+    const TempRoot root;
     const std::array<std::string, 4> texts{std::string(700, 'o'), std::string(900, 'n'), std::string(300, 's'),
                                            std::string(300, 't')};
     if (!canTrace()) {
@@ -195,7 +196,7 @@ TEST(BRFile, aProcessKilledAtAnySystemCallLeavesTheOldOrTheNewText) {
             ::kill(child, SIGKILL);
             ::waitpid(child, nullptr, 0);
             const std::string left = upToZero(root.read(FILE_PATH));
-            ASSERT_TRUE(left == "(missing)" || left.empty() || std::count(texts.begin(), texts.end(), left) == 1);
+            ASSERT_TRUE(left == "<none>" || left.empty() || std::count(texts.begin(), texts.end(), left) == 1);
         }
         return;
     }
@@ -222,7 +223,7 @@ TEST(BRFile, aProcessKilledAtAnySystemCallLeavesTheOldOrTheNewText) {
 constexpr const char* LOG_PATH = "/mnt/mtd/log/SensorError.log";
 
 TEST(BRLogger, writesLinesWithTimeAndTag) {
-    const TemporaryRoot root;
+    const TempRoot root;
     sensorhost::installClock(std::make_shared<sensorhost::SimulatedClock>(7, 5));
     BRLogger log;
     log.writeLog("SensorError", "before init");
@@ -237,7 +238,7 @@ TEST(BRLogger, writesLinesWithTimeAndTag) {
 }
 
 TEST(BRLogger, rotatesAndKeepsSoManyFiles) {
-    const TemporaryRoot root;
+    const TempRoot root;
     BRLogger log;
     BRLogger another;
     ASSERT_NE(log.init(LOG_PATH, 200, 3), 0);
@@ -257,7 +258,7 @@ TEST(BRLogger, rotatesAndKeepsSoManyFiles) {
 }
 
 TEST(BRLogger, aFullDiskCostsWholeLinesOnly) {
-    const TemporaryRoot root;
+    const TempRoot root;
     BRLogger log;
     ASSERT_NE(log.init(LOG_PATH, 10240, 3), 0);
     log.writeLog("T", "kept");
@@ -272,7 +273,7 @@ TEST(BRLogger, aFullDiskCostsWholeLinesOnly) {
 }
 
 TEST(BRLogger, anUnwritablePathGivesNoLog) {
-    const TemporaryRoot root;
+    const TempRoot root;
     root.write("/file", "text");
     BRLogger log;
     EXPECT_EQ(log.init("/file/below/x.log", 100, 3), 0);

@@ -1,6 +1,6 @@
-#include "TemporaryRoot.h"
 #include "host/SystemHelper.h"
 #include "host/linux/HostSettings.h"
+#include "support/TempRoot.h"
 
 #include <chrono>
 #include <string>
@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 TEST(SystemCommand, theLibrarysLinesActUnderTheRoot) {
     // A name that a shell would take apart, were it not quoted.
-    const TemporaryRoot root("a b'c $HOME;*\"");
+    const TempRoot root("a b'c $HOME;*\"");
     root.write("/mnt/one.cfg", "1");
     EXPECT_EQ(sy_system("cp /mnt/one.cfg /mnt/two.cfg", 30), 0);
     EXPECT_EQ(root.read("/mnt/two.cfg"), "1");
@@ -29,7 +29,7 @@ TEST(SystemCommand, theLibrarysLinesActUnderTheRoot) {
 }
 
 TEST(SystemCommand, pathsAreFoundInAllTheirSpellings) {
-    const TemporaryRoot root("it's");
+    const TempRoot root("it's");
     root.write("/etc/a b", "quoted");
     root.write("/d/1.cfg", "1");
     root.write("/d/2.cfg", "2");
@@ -57,7 +57,7 @@ TEST(SystemCommand, givesTheExitStatus) {
 }
 
 TEST(SystemCommand, aLineThatRunsTooLongIsEndedWithAllItStarted) {
-    const TemporaryRoot root;
+    const TempRoot root;
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(sy_system("(sleep 3; echo late >/late) & trap '' TERM; while :; do sleep 60; done", 1), -1);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 20s);

@@ -1,8 +1,9 @@
-#include "TemporaryRoot.h"
+#include "FullDisk.h"
 #include "host/ModuleConfigureParser.h"
 #include "host/SensorLanguageConfig.h"
 #include "host/XmlConfigureTool.h"
 #include "host/linux/HostSettings.h"
+#include "support/TempRoot.h"
 
 #include <string>
 #include <vector>
@@ -42,7 +43,7 @@ std::string valueOfItem(const char* path, std::size_t number) {
 }
 
 TEST(XmlConfigureTool, createsReadsAndChanges) {
-    const TemporaryRoot root;
+    const TempRoot root;
     const std::string odd = "<&>\"' \xc3\xa4\n\t";
     create(PATH, "3", odd);
     EXPECT_EQ(valueOfItem(PATH, 0), "3");
@@ -68,7 +69,7 @@ TEST(XmlConfigureTool, createsReadsAndChanges) {
 }
 
 TEST(XmlConfigureTool, replacesANode) {
-    const TemporaryRoot root;
+    const TempRoot root;
     XmlConfigureTool tool;
     EXPECT_NE(tool.setRootNodeName("IRConfig"), 0);
     ASSERT_NE(tool.open("/ir.xml", 1, XmlConfigureTool::Create), 0);
@@ -98,7 +99,7 @@ TEST(XmlConfigureTool, replacesANode) {
 }
 
 TEST(XmlConfigureTool, readsPropertiesByType) {
-    const TemporaryRoot root;
+    const TempRoot root;
     root.write("/x.xml",
                "<r><n a='12' b='-7' c='true' d='0' e='' f='12x' g='99999999999' h='yes'/><item/><n z='1'/></r>");
     XmlConfigureTool tool;
@@ -157,7 +158,7 @@ std::string unclosed(int depth, const std::string& between) {
 }
 
 TEST(XmlConfigureTool, refusesBrokenFiles) {
-    const TemporaryRoot root;
+    const TempRoot root;
     const std::vector<std::pair<const char*, std::string>> files{
         {"empty", ""},
         {"no element", "only text"},
@@ -203,7 +204,7 @@ TEST(XmlConfigureTool, refusesBrokenFiles) {
 }
 
 TEST(XmlConfigureTool, readsUnusualButSoundFiles) {
-    const TemporaryRoot root;
+    const TempRoot root;
     const std::vector<std::string> texts{
         nested(64),
         "\xef\xbb\xbf<?xml version=\"1.0\"?>\n<!DOCTYPE a>\n<!-- > </b> \" -->\n<a b='>' c=\"'\"><d/></a>\n",
@@ -219,7 +220,7 @@ TEST(XmlConfigureTool, readsUnusualButSoundFiles) {
 }
 
 TEST(XmlConfigureTool, aFullDiskLeavesTheOldFile) {
-    const TemporaryRoot root;
+    const TempRoot root;
     create(PATH, "3", "1");
     const std::string before = root.read(PATH);
     XmlConfigureTool tool;
@@ -274,7 +275,7 @@ TEST(Samples, theLanguageListAndEntriesThatLackSomething) {
     EXPECT_EQ(languages[1].getLanguageId(), 2);
     EXPECT_EQ(languages[1].getFolderName(), "german");
 
-    const TemporaryRoot root;
+    const TempRoot root;
     root.write("/l.xml", "<l><language id='x' folder='a'/><language id='2'/><other id='3' folder='b'/>"
                          "<language id='4' folder='c'/></l>");
     languages.clear();

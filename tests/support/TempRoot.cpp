@@ -8,18 +8,19 @@
 #include <sstream>
 #include <stdexcept>
 
-TempRoot::TempRoot() {
-    std::string name = std::filesystem::temp_directory_path() / "sensorcontrol-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr)
+TempRoot::TempRoot(const std::string& name) {
+    m_strFolder = std::filesystem::temp_directory_path() / "sensorcontrol-XXXXXX";
+    if (mkdtemp(m_strFolder.data()) == nullptr)
         throw std::runtime_error("no temporary folder");
-    m_strPath = name;
+    m_strPath = m_strFolder + '/' + name;
+    std::filesystem::create_directory(m_strPath);
     sensorhost::setRootFolder(m_strPath);
 }
 
 TempRoot::~TempRoot() {
     sensorhost::setRootFolder("");
     std::error_code ignored;
-    std::filesystem::remove_all(m_strPath, ignored);
+    std::filesystem::remove_all(m_strFolder, ignored);
 }
 
 std::string TempRoot::read(const std::string& devicePath) const {
@@ -41,6 +42,8 @@ std::string TempRoot::errorLines() const {
     }
     return lines;
 }
+
+bool TempRoot::exists(const std::string& devicePath) const { return std::filesystem::exists(path(devicePath)); }
 
 void TempRoot::write(const std::string& devicePath, const std::string& text) const {
     const std::filesystem::path path = m_strPath + devicePath;

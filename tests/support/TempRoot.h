@@ -5,7 +5,8 @@
 /// A folder of its own under which all files of the device live, for the life of the object.
 class TempRoot {
 public:
-    TempRoot();
+    /// The name is put at the end of the folder's.
+    explicit TempRoot(const std::string& name = "root");
     ~TempRoot();
     TempRoot(const TempRoot&) = delete;
     TempRoot& operator=(const TempRoot&) = delete;
@@ -14,6 +15,8 @@ public:
 
     /// The text of a device file, "<none>" if it is not there.
     std::string read(const std::string& devicePath) const;
+    bool exists(const std::string& devicePath) const;
+    std::string path(const std::string& devicePath) const { return m_strPath + devicePath; }
     void write(const std::string& devicePath, const std::string& text) const;
     /// The texts in the controller's error log, joined by " | ".
     std::string errorLines() const;
@@ -23,5 +26,6 @@ public:
     void writeSchemeCount(int count) const;
 
 private:
+    std::string m_strFolder;
     std::string m_strPath;
 };
