@@ -5,6 +5,7 @@
 #include "host/GlobalEnv.h"
 #include "support/Cmd8100Bench.h"
 #include "support/PlainBench.h"
+#include "support/ScriptedPort.h"
 
 #include <filesystem>
 
@@ -14,33 +15,6 @@ using sensorhost::ImagingStandIn;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::Not;
-
-namespace {
-
-/// A port that keeps what is sent and answers nothing, or 20 bytes again and again.
-class MutePort final : public IUARTController {
-public:
-    int open(const char*) override { return 1; }
-    int close(int) override { return 1; }
-    int setParameter(int, int, int, int, int) override { return 1; }
-    int send(int, const char* bytes, int length) override {
-        m_strSent.append(bytes, static_cast<std::size_t>(length));
-        return m_bSends ? length : length - 1;
-    }
-    int recv(int, char*, int length, int timeout) override {
-        EXPECT_EQ(length, 20);
-        EXPECT_EQ(timeout, 1);
-        return ++m_nReceives < m_nSilentAt ? length : 7;
-    }
-
-    std::string m_strSent;
-    bool m_bSends = true;
-    int m_nReceives = 0;
-    int m_nSilentAt = 0;
-};
-
-} // namespace
 
 class LifeCycle : public PlainBench {
 protected:
@@ -52,18 +26,13 @@ protected:
     }
 };
 
-TEST_F(LifeCycle, StartValuesAndRefusalUntilInit) {
+TEST_F(LifeCycle, RefusesUntilInitAndKnowsTheSpansFactoryValues) {
     EXPECT_EQ(c().getSensorStatus(), 1);
-    EXPECT_EQ(c().m_BaseSensorStatus, 1);
-    EXPECT_EQ(c().m_nLastDayNightMode, -1);
     EXPECT_EQ(c().m_nDNState, -1);
-    EXPECT_EQ(c().m_nParamMode, 1);
-    EXPECT_EQ(c().m_nParamSchemeStartTime, 6600);
-    EXPECT_EQ(c().m_nParamSchemeEndTime, 8800);
     int value = 0;
     EXPECT_EQ(c().getParameterFromSensor(500, value), 0);
-    EXPECT_EQ(c().ISensorController::setParameterToSensor(499, 1), -1);
-    EXPECT_EQ(c().ISensorController::setParameterToSensor(505, 1), -1);
+    for (const int id : {499, 505})
+        EXPECT_EQ(c().ISensorController::setParameterToSensor(id, 1), -1);
     EXPECT_EQ(c().ISensorController::getParameterFromSensor(505, value), 0);
     for (const auto& [id, factory] : std::map<int, int>{{500, 1}, {501, 0}, {502, 0}, {503, 24}, {504, 0}}) {
         EXPECT_EQ(c().ISensorController::getParameterFromSensor(id, value), 1);
@@ -310,28 +279,22 @@ TEST_F(LifeCycle, ServicesForDrivers) {
     EXPECT_EQ(c().checkUARTRecv("\x90\x41", 2, "\x90", 1), 0);
     EXPECT_EQ(c().checkUARTRecv("", 0, "\x90", 1) + c().checkUARTRecv("\x90", 1, "", 0), 0);
 
-    SafePointer<MutePort> port(new MutePort);
+    SafePointer<ScriptedPort> port(new ScriptedPort);
     c().setOperator(port, m_pGpio);
     EXPECT_EQ(c().stopPTZ(), 1);
-    EXPECT_EQ(port->m_strSent, "");
+    EXPECT_TRUE(port->takeCalls().empty());
     c().m_bisZoomModule = true;
-    EXPECT_EQ(c().stopPTZ(), 1);
-    EXPECT_EQ(port->m_strSent, "MENUON");
     ASSERT_EQ(init(), 1);
-    port->m_bSends = false;
+    port->m_SendResults = {5};
     std::string text = "old";
     EXPECT_EQ(c().getAllParameters(text), 0);
     EXPECT_EQ(text, "old");
     EXPECT_TRUE(hasLogged("stop PTZ @getAllParameters failed"));
-    for (const auto& [silentAt, receives] : std::map<int, int>{{1, 1}, {4, 4}, {1000000, 256}}) {
-        port->m_nSilentAt = silentAt;
-        port->m_nReceives = 0;
-        c().clearUartBuffer();
-        EXPECT_EQ(port->m_nReceives, receives);
-    }
-    c().recodeArray("\x90\x01\xff", 3);
+    port->m_DrainResults.assign(1000, 20);
+    port->takeCalls();
+    c().clearUartBuffer();
+    EXPECT_EQ(port->takeCalls(), std::vector<std::string>(256, "drain"));
     c().recodeArray("\x99", 0);
-    EXPECT_TRUE(hasLogged("SensorError 0x90,0x1,0xff\n"));
     EXPECT_FALSE(hasLogged("0x99"));
     c().recodeArray(std::string(200, '\xab').c_str(), 200);
     c().ErrorPrintf("%s", std::string(500, 'x').c_str());
@@ -400,16 +363,13 @@ TEST_F(Manager, WithoutAControllerItRefusesOrThrows) {
 }
 
 TEST_F(Manager, ModuleIdsWithoutAModuleGiveARefusingController) {
-    ImagingStandIn::getInstance().setRecording(true);
     EXPECT_EQ(init(0), "");
-    EXPECT_TRUE(ImagingStandIn::getInstance().calls().empty());
-    for (const int id : {3, 1, 8, 20, 26, -1}) {
+    for (const int id : {3, 20, 26, -1})
         EXPECT_THAT(init(id), EndsWith("initController failed\nSensorControllerManager::initController error\n"));
-        EXPECT_EQ(m_Manager.getSensorController()->getSensorStatus(), 1);
-        EXPECT_EQ(m_Manager.getSensorController()->getSensorType(), 0);
-    }
-    int value = 0;
     const SafePointer<ISensorController> null = m_Manager.getSensorController();
+    EXPECT_EQ(null->getSensorStatus(), 1);
+    EXPECT_EQ(null->getSensorType(), 0);
+    int value = 0;
     EXPECT_EQ(null->getParameterFromSensor(500, value), 0);
     EXPECT_EQ(null->setParameterToSensor(500, 1), 0);
     EXPECT_EQ(m_Manager.getMirrorValue(value), 0);
@@ -417,18 +377,13 @@ TEST_F(Manager, ModuleIdsWithoutAModuleGiveARefusingController) {
 }
 
 TEST_F(Manager, BringsAModuleUpKeepsAFailedOneAndReplacesBoth) {
-    EXPECT_THAT(init(16), EndsWith("!!!!!!!!!!!!!!!!!!SensorControllerManager::init successs\n"));
-    EXPECT_EQ(m_Manager.getSensorController()->getSensorStatus(), 2);
-    EXPECT_EQ(m_Manager.getSensorController()->getSensorType(), 16);
-    int value = 77;
-    EXPECT_EQ(m_Manager.getMirrorValue(value), 1);
-    EXPECT_EQ(value, 0);
-
-    const std::string failed = init(16, "RS485=ttyS1");
-    EXPECT_THAT(failed, HasSubstr("SensorControllerManager::initController error\n"));
-    EXPECT_THAT(failed, Not(HasSubstr("init successs")));
-    ASSERT_FALSE(m_Manager.getSensorController().isNull());
-    EXPECT_EQ(m_Manager.getSensorController()->getSensorStatus(), 1);
-    EXPECT_THAT(init(16), EndsWith("init successs\n"));
-    EXPECT_EQ(m_Manager.getSensorController()->getSensorStatus(), 2);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_THAT(init(16), EndsWith("!!!!!!!!!!!!!!!!!!SensorControllerManager::init successs\n"));
+        EXPECT_EQ(m_Manager.getSensorController()->getSensorStatus(), 2);
+        int value = 77;
+        EXPECT_EQ(m_Manager.getMirrorValue(value), 1);
+        EXPECT_EQ(value, 0);
+        EXPECT_THAT(init(16, "RS485=ttyS1"), EndsWith("SensorControllerManager::initController error\n"));
+        EXPECT_EQ(m_Manager.getSensorController()->getSensorStatus(), 1);
+    }
 }

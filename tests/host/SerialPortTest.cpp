@@ -1,7 +1,5 @@
 #include "host/linux/SerialPort.h"
 
-#include "host/linux/TracedPort.h"
-
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -72,50 +70,48 @@ private:
     std::string m_strName;
 };
 
-std::string receive(SerialPort& port, int handle, int length, int timeout, int& result) {
-    std::string buffer(static_cast<std::size_t>(length), '\0');
-    result = port.recv(handle, buffer.data(), length, timeout);
-    buffer.resize(result > 0 ? static_cast<std::size_t>(result) : 0);
-    return buffer;
-}
+/// A port that is open on a device.
+class OpenPort : public testing::Test {
+protected:
+    /// Receives, and keeps the result of the call in m_nResult.
+    std::string receive(int length, int timeout) {
+        std::string buffer(static_cast<std::size_t>(length), '\0');
+        m_nResult = port.recv(handle, buffer.data(), length, timeout);
+        buffer.resize(m_nResult > 0 ? static_cast<std::size_t>(m_nResult) : 0);
+        return buffer;
+    }
+
+    Device device;
+    SerialPort port;
+    const int handle = port.open(device.name());
+    int m_nResult = -1;
+};
 
 constexpr int LONG_TIMEOUT = 100; // ten seconds, which no test is to wait for
 
-TEST(SerialPort, receivesAsSoonAsTheWantedBytesAreThere) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
-    ASSERT_GE(handle, 0);
+TEST_F(OpenPort, receivesAsSoonAsTheWantedBytesAreThere) {
     device.put("abcde");
     const Stopwatch watch;
-    int result = 0;
-    EXPECT_EQ(receive(port, handle, 3, LONG_TIMEOUT, result), "abc");
-    EXPECT_EQ(receive(port, handle, 2, LONG_TIMEOUT, result), "de");
+    EXPECT_EQ(receive(3, LONG_TIMEOUT), "abc");
+    EXPECT_EQ(receive(2, LONG_TIMEOUT), "de");
     EXPECT_LT(watch.elapsed(), 5s);
-    EXPECT_EQ(receive(port, handle, 1, 0, result), "");
-    EXPECT_EQ(result, 0);
+    EXPECT_EQ(receive(1, 0), "");
+    EXPECT_EQ(m_nResult, 0);
 }
 
-TEST(SerialPort, silenceEndsAReceiveWithWhatCameSoFar) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
-    int result = -1;
+TEST_F(OpenPort, silenceEndsAReceiveWithWhatCameSoFar) {
     Stopwatch silent;
-    receive(port, handle, 3, 1, result);
-    EXPECT_EQ(result, 0);
+    receive(3, 1);
+    EXPECT_EQ(m_nResult, 0);
     EXPECT_GE(silent.elapsed(), 95ms);
 
     device.put("ab");
     Stopwatch partial;
-    EXPECT_EQ(receive(port, handle, 3, 1, result), "ab");
+    EXPECT_EQ(receive(3, 1), "ab");
     EXPECT_GE(partial.elapsed(), 95ms);
 }
 
-TEST(SerialPort, theTimeoutCountsBetweenBytes) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
+TEST_F(OpenPort, theTimeoutCountsBetweenBytes) {
     // Three pieces, each well within the timeout, all of them together beyond it.
     std::thread writer([&] {
         for (const char* piece : {"ab", "cd", "ef"}) {
@@ -123,49 +119,37 @@ TEST(SerialPort, theTimeoutCountsBetweenBytes) {
             device.put(piece);
         }
     });
-    int result = 0;
-    EXPECT_EQ(receive(port, handle, 6, 6, result), "abcdef");
+    EXPECT_EQ(receive(6, 6), "abcdef");
     writer.join();
 }
 
-TEST(SerialPort, everyByteValuePassesBothWays) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
+TEST_F(OpenPort, everyByteValuePassesBothWays) {
     std::string all(256, '\0');
     std::iota(all.begin(), all.end(), '\0');
     EXPECT_EQ(port.send(handle, all.data(), 256), 256);
     EXPECT_EQ(device.take(256), all);
     device.put(all);
-    int result = 0;
-    EXPECT_EQ(receive(port, handle, 256, 20, result), all);
+    EXPECT_EQ(receive(256, 20), all);
 }
 
-TEST(SerialPort, anUnpluggedAdapterGivesErrorsAtOnce) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
+TEST_F(OpenPort, anUnpluggedAdapterGivesErrorsAtOnce) {
     std::thread puller([&] {
         std::this_thread::sleep_for(50ms);
         device.unplug();
     });
     const Stopwatch watch;
-    int result = 0;
-    receive(port, handle, 3, LONG_TIMEOUT, result);
-    EXPECT_LT(result, 0);
+    receive(3, LONG_TIMEOUT);
+    EXPECT_LT(m_nResult, 0);
     puller.join();
-    receive(port, handle, 3, LONG_TIMEOUT, result);
-    EXPECT_LT(result, 0);
+    receive(3, LONG_TIMEOUT);
+    EXPECT_LT(m_nResult, 0);
     EXPECT_LT(port.send(handle, "abc", 3), 0);
     EXPECT_EQ(port.setParameter(handle, 9600, 8, 0, 1), 0);
     EXPECT_LT(watch.elapsed(), 5s);
     EXPECT_NE(port.close(handle), 0);
 }
 
-TEST(SerialPort, aSendToAPeerThatStoppedReadingEnds) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
+TEST_F(OpenPort, aSendToAPeerThatStoppedReadingEnds) {
     ASSERT_NE(port.setParameter(handle, 115200, 8, 0, 1), 0);
     const std::string much(1'000'000, 'x');
     const Stopwatch watch;
@@ -177,10 +161,7 @@ TEST(SerialPort, aSendToAPeerThatStoppedReadingEnds) {
     EXPECT_EQ(port.send(handle, "abc", 3), 3);
 }
 
-TEST(SerialPort, signalsNeitherEndNorProlongAReceive) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
+TEST_F(OpenPort, signalsNeitherEndNorProlongAReceive) {
     struct sigaction action {};
     struct sigaction previous {};
     action.sa_handler = [](int) {};
@@ -188,9 +169,8 @@ TEST(SerialPort, signalsNeitherEndNorProlongAReceive) {
     const itimerval storm{{0, 5000}, {0, 5000}};
     ::setitimer(ITIMER_REAL, &storm, nullptr);
     const Stopwatch watch;
-    int result = -1;
-    receive(port, handle, 3, 2, result);
-    EXPECT_EQ(result, 0);
+    receive(3, 2);
+    EXPECT_EQ(m_nResult, 0);
     EXPECT_GE(watch.elapsed(), 195ms);
     EXPECT_LT(watch.elapsed(), 5s);
     const itimerval none{};
@@ -198,10 +178,7 @@ TEST(SerialPort, signalsNeitherEndNorProlongAReceive) {
     ::sigaction(SIGALRM, &previous, nullptr);
 }
 
-TEST(SerialPort, setsTheLine) {
-    Device device;
-    SerialPort port;
-    const int handle = port.open(device.name());
+TEST_F(OpenPort, setsTheLine) {
     termios line{};
     for (const auto& [rate, speed] : {std::pair{2400, B2400}, {9600, B9600}, {115200, B115200}}) {
         EXPECT_NE(port.setParameter(handle, rate, 8, 0, 1), 0) << rate;
@@ -222,14 +199,11 @@ TEST(SerialPort, setsTheLine) {
     EXPECT_EQ(port.setParameter(handle, 9600, 8, 0, 3), 0);
 }
 
-TEST(SerialPort, refusesWhatIsNoPort) {
-    SerialPort port;
+TEST_F(OpenPort, refusesWhatIsNoPort) {
     for (const char* name : {"", "/dev/no-such-port", "/dev/null", "/"})
         EXPECT_LT(port.open(name), 0) << name;
     EXPECT_LT(port.open(nullptr), 0);
 
-    Device device;
-    const int handle = port.open(device.name());
     char byte = 'x';
     for (const int wrong : {-1, 0, handle + 1}) {
         EXPECT_LT(port.send(wrong, &byte, 1), 0);
@@ -261,8 +235,8 @@ TEST(SerialPort, handlesServeSeveralThreads) {
                 if (port.send(handle, text.data(), length) != length)
                     return;
                 device.put(device.take(text.size()));
-                int result = 0;
-                if (receive(port, handle, length, LONG_TIMEOUT, result) == text)
+                std::string echo(text.size(), '\0');
+                if (port.recv(handle, echo.data(), length, LONG_TIMEOUT) == length && echo == text)
                     ++good;
             }
             port.close(handle);
@@ -270,35 +244,6 @@ TEST(SerialPort, handlesServeSeveralThreads) {
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(good, 150);
-}
-
-class Recorder final : public sensorhost::WireSink {
-public:
-    void onSend(double, const char* bytes, int length, int result) override {
-        m_strText += '>' + std::string(bytes, static_cast<std::size_t>(length)) + '=' + std::to_string(result) + ' ';
-    }
-    void onReceive(double, const char* bytes, int received, int wanted, int timeout) override {
-        m_strText += '<' + std::string(bytes, static_cast<std::size_t>(received > 0 ? received : 0)) + '=' +
-                     std::to_string(received) + '/' + std::to_string(wanted) + '@' + std::to_string(timeout) + ' ';
-    }
-    std::string m_strText;
-};
-
-TEST(TracedPort, tellsTheSinkWhatWentOver) {
-    Device device;
-    Recorder recorder;
-    const SafePointer<IUARTController> port(new SerialPort);
-    sensorhost::TracedPort traced(port, recorder);
-    const int handle = traced.open(device.name());
-    traced.send(handle, "ask", 3);
-    device.put("yes");
-    std::array<char, 4> buffer{};
-    traced.recv(handle, buffer.data(), 3, 20);
-    traced.recv(handle, buffer.data(), 4, 0);
-    traced.close(handle);
-    traced.send(handle, "no", 2);
-    traced.recv(handle, buffer.data(), 4, 1);
-    EXPECT_EQ(recorder.m_strText, ">ask=3 <yes=3/3@20 <=0/4@0 >no=-1 <=-1/4@1 ");
 }
 
 } // namespace

@@ -319,22 +319,6 @@ TEST_F(RealTime, aThreadRunsItsThreeFunctionsUnderACutName) {
     EXPECT_EQ(passes.name, "DayNightChangeT");
 }
 
-TEST_F(RealTime, aMutexExcludes) {
-    BRMutex mutex;
-    int sum = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&] {
-            for (int n = 0; n < 5000; ++n) {
-                const ScopedLock guard(mutex);
-                ++sum;
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(sum, 20000);
-}
-
 TEST(SafePointer, countsItsReferencesOverThreads) {
     struct Base {
         virtual ~Base() = default;

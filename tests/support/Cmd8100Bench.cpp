@@ -24,21 +24,3 @@ ISensorController& Cmd8100Bench::create() {
 int Cmd8100Bench::bringUp(const std::string& detail, int videoSystem, const std::string& parameters) {
     return create().init(videoSystem, ModuleConfigure(16, detail, parameters), VideoResolution(1920, 1080));
 }
-
-bool Cmd8100Bench::hasLogged(const std::string& text) {
-    const std::string log = errorLog();
-    if (log.size() < m_nLogSeen)
-        m_nLogSeen = 0; // rotated
-    const bool isThere = log.find(text, m_nLogSeen) != std::string::npos;
-    m_nLogSeen = log.size();
-    return isThere;
-}
-
-std::string Cmd8100Bench::framesOf(int id, int value, int& result) {
-    m_pPort->takeSent();
-    result = controller().setParameterToSensor(id, value);
-    std::string frames;
-    for (const std::string& frame : m_pPort->takeSent())
-        frames += (frames.empty() ? "" : " | ") + frame;
-    return frames;
-}

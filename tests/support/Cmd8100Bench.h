@@ -30,23 +30,10 @@ protected:
     ISensorController& controller() { return *m_pController; }
     std::string errorLog() const { return m_Root.read("/mnt/mtd/log/SensorError.log"); }
     std::string initLog() const { return m_Root.read("/mnt/mtd/log/SensorInit.log"); }
-    /// Whether the error log has the text since the last call.
-    bool hasLogged(const std::string& text);
-    /// The frames of one setParameterToSensor, joined by " | ", and its result in `result`.
-    std::string framesOf(int id, int value, int& result);
 
     TempRoot m_Root;
     std::shared_ptr<sensorhost::SimulatedClock> m_pClock;
     SafePointer<BlockPort> m_pPort;
     SafePointer<sensorhost::MemoryGpio> m_pGpio;
     SafePointer<ISensorController> m_pController;
-
-private:
-    std::size_t m_nLogSeen = 0;
 };
-
-inline constexpr const char* FactoryFile = "/mnt/mtd/code/config_file/sensor_Factory.cfg";
-inline constexpr const char* EspecialFile = "/mnt/mtd/code/config_file/sensor_Especial.cfg";
-inline constexpr const char* FirstSchemeFile = "/mnt/mtd/code/config_file/sensor1.cfg";
-inline constexpr const char* SecondSchemeFile = "/mnt/mtd/code/config_file/sensor2.cfg";
-inline constexpr const char* OldParameterFile = "/mnt/mtd/code/config_file/sensor.cfg";

@@ -110,7 +110,6 @@ public:
     using ISensorController::m_nParamSchemeStartTime;
     using ISensorController::m_ParamSchemes;
     using ISensorController::m_pIdManager;
-    using ISensorController::m_pLastCache;
     using ISensorController::m_SensorStatus;
 
 private:
