@@ -44,8 +44,8 @@ TEST_F(UiTest, printsOneTextAsItIs) {
 
     m_Folder.write("config/sensorConfig/cameraGui.xml", "");
     EXPECT_EQ(run("ui", {"--print", "gui"}).out, "");
-    m_Folder.write("config/sensorConfig/cameraGui.xml", "\xc4\n");
-    EXPECT_EQ(run("ui", {"--print", "gui"}).out, "\xc4\n");
+    m_Folder.write("config/sensorConfig/cameraGui.xml", "\xc4\n\n-");
+    EXPECT_EQ(run("ui", {"--print", "gui"}).out, "\xc4\n\n-");
     const ToolProcess::Result json = run("ui", {"--print", "gui", "--json"});
     EXPECT_EQ(json.code, 4);
     EXPECT_THAT(json.err, HasSubstr("text gui is no UTF-8, which JSON cannot hold"));

@@ -54,12 +54,16 @@ void Output::clearStatus() {
 }
 
 void Output::record(const std::string& text, const nlohmann::ordered_json& object) {
-    const std::lock_guard guard(m_Mutex);
-    clearStatus();
     // Bytes that are no UTF-8 can stand in paths and in what the user typed.
     const std::string line =
         (m_bJson ? object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) : text) + '\n';
-    if (std::fwrite(line.data(), 1, line.size(), m_pRecords) != line.size() || std::fflush(m_pRecords) != 0)
+    bytes(line);
+}
+
+void Output::bytes(const std::string& text) {
+    const std::lock_guard guard(m_Mutex);
+    clearStatus();
+    if (std::fwrite(text.data(), 1, text.size(), m_pRecords) != text.size() || std::fflush(m_pRecords) != 0)
         m_bWritable = false;
 }
 

@@ -29,6 +29,8 @@ public:
 
     /// One record: its text, or with --json its object, on one line.
     void record(const std::string& text, const nlohmann::ordered_json& object);
+    /// The bytes as they are, without a line end of their own. Not for --json.
+    void bytes(const std::string& text);
     /// One line of --trace: to its file if one is set, else to standard error.
     void traceLine(const std::string& line);
     /// Opens the file of --trace. Throws Failure if that fails.

@@ -160,14 +160,14 @@ void recordText(Output& output, const std::string& name, const std::string& text
             title += " (language 1)";
     }
     object["content"] = text;
-    std::string shown = isAlone ? text : "==> " + title + " <==\n" + text;
-    if (shown.empty() && !output.isJson())
+    if (isAlone && !output.isJson()) {
+        output.bytes(text);
         return;
+    }
+    std::string shown = "==> " + title + " <==\n" + text;
     // A record ends its last line itself.
     if (shown.ends_with('\n'))
         shown.pop_back();
-    else if (isAlone && !output.isJson())
-        output.note("note: text " + title + " has no line end; one is added");
     record(output, shown, object, "text " + title);
 }
 
