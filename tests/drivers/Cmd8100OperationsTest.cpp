@@ -239,24 +239,13 @@ TEST_F(Cmd8100Start, EveryFailureSaysWhatIsMissing) {
 
 TEST_F(Cmd8100Start, OrderOnThePortAndABlockThatSaysNothing) {
     ASSERT_EQ(startOn("RS485=ttyS1;isInfrared=0", "RS485=1,2,3,4"), 1);
-    const std::vector<std::string> calls = m_pScript->takeCalls();
-    const std::vector<std::string> expected{"open ttyS1",
-                                            "line 1 2 4 3",
-                                            "drain",
-                                            "send 81 01 04 3E 02 FF",
-                                            "recv 3/4",
-                                            "drain",
-                                            "send 81 01 04 3E 02 FF",
-                                            "recv 3/4",
-                                            "drain",
-                                            "send 81 01 04 3E 02 FF",
-                                            "recv 3/4",
-                                            "drain",
-                                            "send 4D 45 4E 55 4F 4E",
-                                            "send 81 09 04 24 72 FF",
-                                            "recv 5/4"};
-    ASSERT_GT(calls.size(), expected.size());
-    EXPECT_EQ(std::vector<std::string>(calls.begin(), calls.begin() + static_cast<long>(expected.size())), expected);
+    std::string calls;
+    for (const std::string& call : m_pScript->takeCalls())
+        calls += call + ", ";
+    const std::string brightness = "drain, send 81 01 04 3E 02 FF, recv 3/4, ";
+    EXPECT_TRUE(calls.starts_with("open ttyS1, line 1 2 4 3, " + brightness + brightness + brightness +
+                                  "drain, send 4D 45 4E 55 4F 4E, send 81 09 04 24 72 FF, recv 5/4, "))
+        << calls;
     EXPECT_NE(initLog().find("init setSensorVideoSystem failed"), std::string::npos);
     EXPECT_NE(errorLog().find("ISensorController::initSensor  success"), std::string::npos);
     std::string known;

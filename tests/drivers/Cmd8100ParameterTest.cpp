@@ -50,11 +50,15 @@ std::string format(const char* text, int value) {
     return pattern.replace(pattern.find("%d"), 2, std::to_string(value));
 }
 
-std::string frameOf(const Setting& setting, int value) {
+std::uint32_t wireOf(const Setting& setting, int value) {
     const auto above = std::upper_bound(setting.steps.begin(), setting.steps.end(), value);
-    const int wire = setting.steps.empty() ? value : static_cast<int>(above - setting.steps.begin()) - 1;
+    return static_cast<std::uint32_t>(setting.steps.empty() ? value : above - setting.steps.begin() - 1);
+}
+
+std::string frameOf(const Setting& setting, int value) {
+    const std::uint32_t wire = wireOf(setting, value);
     std::string frame = setting.frame;
-    const auto put = [&](const char* place, int byte) {
+    const auto put = [&](const char* place, std::uint32_t byte) {
         const char hex = static_cast<char>(byte);
         if (const std::size_t at = frame.find(place); at != std::string::npos)
             frame.replace(at, 2, toHex(&hex, 1));
@@ -82,6 +86,10 @@ TEST_F(Cmd8100Parameters, EveryValueOfASettingIsItsCommandOrARefusal) {
                                                           format(setting.refusal, value) + " | " +
                                                               regular(std::string("set") + setting.name, value)};
             EXPECT_EQ(set(setting.id, value), expected) << setting.name << " " << value;
+            if (isAccepted) {
+                const int address = std::stoi(std::string(setting.frame).substr(9, 2), nullptr, 16);
+                EXPECT_EQ(m_pPort->registerValue(static_cast<std::uint32_t>(address)), wireOf(setting, value));
+            }
         }
     }
 }
@@ -293,13 +301,12 @@ TEST_F(Cmd8100Parameters, ReadingGivesFactoryValues) {
 
     start();
     EXPECT_EQ(store("(1,10)(14,3)").result, 1);
-    for (int id = -2; id < 500; ++id) {
-        value = 77;
-        const auto known = factory.find(id);
-        const Outcome got = outcome([&] { return controller().getParameterFromSensor(id, value); });
-        EXPECT_EQ(got, (Outcome{known != factory.end() ? 1 : 0, "", ""})) << id;
-        EXPECT_EQ(value, known != factory.end() ? known->second : 0) << id;
+    for (const auto& [id, expected] : factory) {
+        EXPECT_EQ(outcome([&, id = id] { return controller().getParameterFromSensor(id, value); }),
+                  (Outcome{1, "", ""}));
+        EXPECT_EQ(value, expected) << id;
     }
+    EXPECT_EQ(controller().getParameterFromSensor(52, value), 0) << "a command has no value";
 }
 
 TEST_F(Cmd8100Parameters, EveryServedIdWaitsAndNoOther) {

@@ -98,7 +98,6 @@ TEST_F(Imaging, exposesTheScene) {
     };
     expose(1e5, 100, 1); // too bright
     expose(1000, 1000, 1);
-    expose(25, 40000, 1);
     expose(2.5, 40000, 10);
     expose(0, 40000, 64); // too dark
     BrAewb_UiSetMaxGain4Auto(8 * 4096);
@@ -119,9 +118,6 @@ TEST_F(Imaging, exposesTheScene) {
         BrAewb_UiSetMaxShutr4Auto(absurd);
         expose(1e-3, absurd < 0 ? 100 : 1907, absurd / 4096.0);
     }
-    m_StandIn.setScene({});
-    m_StandIn.setValue("BrAewb_UiGetGain", 8192);
-    EXPECT_EQ(BrAewb_UiGetGain(), 8192);
 }
 
 TEST_F(Imaging, watchesTheOrderOfTheStart) {

@@ -190,13 +190,14 @@ TEST_F(OpenPort, setsTheLine) {
     ::tcgetattr(device.master(), &line);
     EXPECT_NE(line.c_cflag & CSTOPB, 0U);
 
-    EXPECT_EQ(port.setParameter(handle, 9601, 8, 0, 1), 0);
-    EXPECT_EQ(port.setParameter(handle, 0, 8, 0, 1), 0);
-    EXPECT_EQ(port.setParameter(handle, 9600, 4, 0, 1), 0);
-    EXPECT_EQ(port.setParameter(handle, 9600, 9, 0, 1), 0);
-    EXPECT_EQ(port.setParameter(handle, 9600, 8, 3, 1), 0);
-    EXPECT_EQ(port.setParameter(handle, 9600, 8, 0, 0), 0);
-    EXPECT_EQ(port.setParameter(handle, 9600, 8, 0, 3), 0);
+    for (const auto& [rate, data, parity, stop] : {std::array{9601, 8, 0, 1},
+                                                   {0, 8, 0, 1},
+                                                   {9600, 4, 0, 1},
+                                                   {9600, 9, 0, 1},
+                                                   {9600, 8, 3, 1},
+                                                   {9600, 8, 0, 0},
+                                                   {9600, 8, 0, 3}})
+        EXPECT_EQ(port.setParameter(handle, rate, data, parity, stop), 0);
 }
 
 TEST_F(OpenPort, refusesWhatIsNoPort) {

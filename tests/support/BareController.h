@@ -24,11 +24,7 @@ public:
 
     std::optional<int> m_Gain; ///< none: reading it fails
 
-    using ISensorController::m_bISPRealTimeUpdate;
-    using ISensorController::m_nDNState;
-    using ISensorController::m_nISPDelayTime;
-    using ISensorController::m_nISPDNState;
-    using ISensorController::m_nTNFEnable;
-    using ISensorController::m_nTNFMode;
-    using ISensorController::m_nTNFValue;
+    using ISensorController::m_bISPRealTimeUpdate, ISensorController::m_nDNState, ISensorController::m_nISPDelayTime,
+        ISensorController::m_nISPDNState, ISensorController::m_nTNFEnable, ISensorController::m_nTNFMode,
+        ISensorController::m_nTNFValue;
 };

@@ -89,28 +89,14 @@ public:
     int m_nSettingTime = 0; ///< microseconds that a setting takes
     bool m_bNotes = true;   ///< off where several threads call
 
-    using ISensorController::m_BaseSensorStatus;
-    using ISensorController::m_bisInited;
-    using ISensorController::m_bisReset;
-    using ISensorController::m_bisZoomModule;
-    using ISensorController::m_bNewInfrared;
-    using ISensorController::m_nDayNightMode;
-    using ISensorController::m_nDNLevelGPIOLevel;
-    using ISensorController::m_nDNLevelGPIOPin;
-    using ISensorController::m_nFilterGPIOLevel;
-    using ISensorController::m_nFilterGPIOPin;
-    using ISensorController::m_nHDRMode;
-    using ISensorController::m_nInfrared;
-    using ISensorController::m_nInfraredGPIOLevel;
-    using ISensorController::m_nInfraredGPIOPin;
-    using ISensorController::m_nLastDayNightMode;
-    using ISensorController::m_nParamMode;
-    using ISensorController::m_nParamScheme;
-    using ISensorController::m_nParamSchemeEndTime;
-    using ISensorController::m_nParamSchemeStartTime;
-    using ISensorController::m_ParamSchemes;
-    using ISensorController::m_pIdManager;
-    using ISensorController::m_SensorStatus;
+    using ISensorController::m_BaseSensorStatus, ISensorController::m_bisInited, ISensorController::m_bisReset,
+        ISensorController::m_bisZoomModule, ISensorController::m_bNewInfrared, ISensorController::m_nDayNightMode,
+        ISensorController::m_nDNLevelGPIOLevel, ISensorController::m_nDNLevelGPIOPin,
+        ISensorController::m_nFilterGPIOLevel, ISensorController::m_nFilterGPIOPin, ISensorController::m_nHDRMode,
+        ISensorController::m_nInfrared, ISensorController::m_nInfraredGPIOLevel, ISensorController::m_nInfraredGPIOPin,
+        ISensorController::m_nLastDayNightMode, ISensorController::m_nParamMode, ISensorController::m_nParamScheme,
+        ISensorController::m_nParamSchemeEndTime, ISensorController::m_nParamSchemeStartTime,
+        ISensorController::m_ParamSchemes, ISensorController::m_pIdManager, ISensorController::m_SensorStatus;
 
 private:
     void note(const std::string& call) {
