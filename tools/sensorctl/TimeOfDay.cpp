@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -35,9 +36,9 @@ std::string TimeOfDay::text(int minutes) {
 }
 
 DaySpan DaySpan::parse(const std::string& text, const std::string& what) {
-    const std::size_t dash = text.find('-');
+    const std::size_t dash = std::min(text.find('-'), text.size());
     const std::optional<int> from = TimeOfDay::parse(text.substr(0, dash));
-    const std::optional<int> to = dash == std::string::npos ? std::nullopt : TimeOfDay::parse(text.substr(dash + 1));
+    const std::optional<int> to = TimeOfDay::parse(text.substr(std::min(dash + 1, text.size())));
     if (!from || !to || *from >= *to)
         throw Failure(Usage, what + ": \"" + text + "\" is no span of a day",
                       {"try: 08:00-12:30, up to 24:00; over midnight takes two"});
