@@ -1,11 +1,10 @@
 #pragma once
 
 #include "host/Export.h"
+#include "host/xml/TinyXml.h"
 #include "uiconfig/MergeReport.h"
 
 #include <string>
-
-#include <tinyxml.h>
 
 /// Makes one style text of a family's base style and of its variations, which say what is different for which module.
 /// One object serves one merge, on one thread. Failures are told on the console.
