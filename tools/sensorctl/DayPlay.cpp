@@ -23,12 +23,6 @@ namespace {
 
 constexpr const char* PortName = "in-process";
 
-std::string clockText(int second) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d", second / 3600 % 100, second / 60 % 60, second % 60);
-    return text;
-}
-
 /// A folder for the time of a play, with what the library has in another one.
 class ScratchFolder {
 public:
@@ -125,9 +119,9 @@ DayRecord DayPlay::run() {
         m_pClock->advance(rest);
         observe(second);
         if (second % 600 == 0)
-            m_Output.status(clockText(second));
+            m_Output.status(TimeOfDay::textOfSecond(second));
         if (Interrupt::isRequested())
-            throw Failure(Interrupted, "interrupted at " + clockText(second));
+            throw Failure(Interrupted, "interrupted at " + TimeOfDay::textOfSecond(second));
     }
     m_Output.status("");
     return m_Record;
@@ -184,11 +178,12 @@ void DayPlay::observe(int second) {
 void DayPlay::tell(int second, const std::string& what, const std::string& value, const std::string& why) {
     m_Record.events.push_back({second, what, value, why});
     nlohmann::ordered_json object;
-    object["time"] = clockText(second);
+    object["time"] = TimeOfDay::textOfSecond(second);
     object["what"] = what;
     object["value"] = value;
     object["why"] = why;
-    m_Output.record(clockText(second) + ' ' + what + ' ' + value + (why.empty() ? "" : " (" + why + ')'), object);
+    m_Output.record(TimeOfDay::textOfSecond(second) + ' ' + what + ' ' + value + (why.empty() ? "" : " (" + why + ')'),
+                    object);
 }
 
 std::string DayPlay::whyPicture(const DayRecord::Moment& now) {
@@ -199,7 +194,7 @@ std::string DayPlay::whyPicture(const DayRecord::Moment& now) {
         scheme = ", with scheme " + std::to_string(now.scheme);
     const int mode = value("DayNightMode").value_or(-1);
     if (mode == 0)
-        return "automatic: " + m_pWorld->cause(clockText(m_nSkyChange)) + scheme;
+        return "automatic: " + m_pWorld->cause(TimeOfDay::textOfSecond(m_nSkyChange)) + scheme;
     if (mode == 1 || mode == 2)
         return std::string("fixed to ") + (mode == 1 ? "day" : "night") + scheme;
     const char* const start = isDay ? "NTDTime" : "DTNTime";

@@ -28,12 +28,6 @@ constexpr const char* SchemeColours[] = {"#4e79a7", "#f28e2b", "#59a14f", "#b07a
 
 double xOf(int second) { return Left + DayWidth * second / (DayMinutes * 60.0); }
 
-std::string secondText(int second) {
-    char text[16];
-    std::snprintf(text, sizeof text, ":%02d", second % 60);
-    return TimeOfDay::text(second / 60) + text;
-}
-
 /// How one state looks; no colour: nothing is drawn.
 struct Look {
     std::string colour;
@@ -82,7 +76,8 @@ void DayDrawing::lane(const std::string& name, const std::function<Look(const Da
         const double width = xOf(until) - x;
         if (!shown.colour.empty()) {
             m_Drawing.box(x, m_dY, width, LaneHeight, shown.colour,
-                          name + ' ' + shown.label + ' ' + secondText(moments[i].second) + '-' + secondText(until));
+                          name + ' ' + shown.label + ' ' + TimeOfDay::textOfSecond(moments[i].second) + '-' +
+                              TimeOfDay::textOfSecond(until));
             constexpr double letter = 6.5;
             if (width > letter * static_cast<double>(shown.label.size()) + 6)
                 m_Drawing.text(x + width / 2, m_dY + LaneHeight / 2 + 4, shown.label, SvgDrawing::Anchor::Middle, 12,
@@ -147,7 +142,7 @@ void DayDrawing::events() {
                            SvgDrawing::Anchor::Start, 11, "#777");
             return;
         }
-        m_Drawing.text(Left - 10, m_dY, secondText(event.second), SvgDrawing::Anchor::End, 11, "#777");
+        m_Drawing.text(Left - 10, m_dY, TimeOfDay::textOfSecond(event.second), SvgDrawing::Anchor::End, 11, "#777");
         m_Drawing.text(Left, m_dY, event.what + ' ' + event.value + (event.why.empty() ? "" : ": " + event.why),
                        SvgDrawing::Anchor::Start, 11);
     }

@@ -32,7 +32,7 @@ struct TargetOptions {
     std::vector<std::string> faults;
     std::string trace;
 
-    /// Declares the options. With optionalPort a module alone is enough.
+    /// Declares the options.
     void declare(CLI::App& command);
     /// Takes the module from the configuration folder, if one is named. Before anything else; throws Failure.
     void loadSelection();

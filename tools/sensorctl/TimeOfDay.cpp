@@ -35,6 +35,12 @@ std::string TimeOfDay::text(int minutes) {
     return text;
 }
 
+std::string TimeOfDay::textOfSecond(int second) {
+    char text[16];
+    std::snprintf(text, sizeof text, ":%02d", second % 60);
+    return TimeOfDay::text(second / 60) + text;
+}
+
 DaySpan DaySpan::parse(const std::string& text, const std::string& what) {
     const std::size_t dash = std::min(text.find('-'), text.size());
     const std::optional<int> from = TimeOfDay::parse(text.substr(0, dash));

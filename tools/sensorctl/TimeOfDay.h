@@ -12,6 +12,8 @@ struct TimeOfDay {
     /// "08:30"; nothing for other text or a time behind 24:00.
     static std::optional<int> parse(const std::string& text);
     static std::string text(int minutes);
+    /// "08:30:15".
+    static std::string textOfSecond(int second);
 };
 
 /// From one time of day to another, the first before the second.
