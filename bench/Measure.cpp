@@ -5,12 +5,12 @@
 
 namespace {
 
-thread_local std::size_t allocations = 0;
+thread_local std::size_t t_nAllocations = 0;
 
 } // namespace
 
 void* operator new(std::size_t size) {
-    ++allocations;
+    ++t_nAllocations;
     if (void* memory = std::malloc(size == 0 ? 1 : size))
         return memory;
     throw std::bad_alloc();
@@ -19,4 +19,4 @@ void* operator new(std::size_t size) {
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
-std::size_t allocationCount() { return allocations; }
+std::size_t allocationCount() { return t_nAllocations; }

@@ -43,11 +43,11 @@ bool isModule(const ModuleConfigure& module) { return SensorFile::isModuleId(mod
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const Installation installation;
+    static const Installation Installation;
     const std::string_view input(reinterpret_cast<const char*>(data), size);
     const std::size_t split = std::min(input.find('\0'), size);
-    installation.write("moduleConfig.xml", input.substr(0, split));
-    installation.write("sensorConfig/SensorLanguageConfig.xml", input.substr(std::min(split + 1, size)));
+    Installation.write("moduleConfig.xml", input.substr(0, split));
+    Installation.write("sensorConfig/SensorLanguageConfig.xml", input.substr(std::min(split + 1, size)));
 
     std::vector<ModuleConfigure> modules;
     const int read = ModuleConfigureParser::parse("/hd1/moduleConfig/moduleConfig.xml", "dome", "", modules);

@@ -12,10 +12,10 @@
 using fuzzing::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const fuzzing::ScratchFolder folder;
-    sensorhost::setRootFolder(folder.path());
+    static const fuzzing::ScratchFolder Folder;
+    sensorhost::setRootFolder(Folder.path());
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    folder.write("sensor1.cfg", bytes);
+    Folder.write("sensor1.cfg", bytes);
 
     SensorConfigFile file("/sensor1.cfg");
     file.setVersion(4);

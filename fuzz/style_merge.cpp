@@ -16,6 +16,7 @@
 
 #include <tinyxml.h>
 
+using fuzzing::isPlainXml;
 using fuzzing::require;
 using sensorcontrol::MergeReport;
 
@@ -66,14 +67,6 @@ void replay(const MergeReport& report, std::vector<Key>& keys) {
     }
 }
 
-/// What the printer writes so that the parser reads the same again: it leaves "&#x" alone wherever it comes from, and
-/// writes declarations with quotes around whatever they hold.
-bool isPlain(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c > 0; }) &&
-           text.find("&#") == std::string_view::npos && text.find("&amp;") == std::string_view::npos &&
-           (text.find("<?") == std::string_view::npos || text.find_first_of("&'") == std::string_view::npos);
-}
-
 bool isWhole(const MergeReport::Document& document) { return document.reading == MergeReport::Reading::Whole; }
 
 int merge(std::string_view detail, std::string& text, MergeReport& report) {
@@ -87,13 +80,13 @@ int merge(std::string_view detail, std::string& text, MergeReport& report) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const fuzzing::ScratchFolder scratch;
-    sensorhost::setRootFolder(scratch.path());
+    static const fuzzing::ScratchFolder Scratch;
+    sensorhost::setRootFolder(Scratch.path());
     std::string_view rest(reinterpret_cast<const char*>(data), size);
     const std::string_view style = takePart(rest);
     const std::string_view diversity = takePart(rest);
-    scratch.write("style.xml", style);
-    scratch.write("diversity.xml", diversity);
+    Scratch.write("style.xml", style);
+    Scratch.write("diversity.xml", diversity);
 
     std::string text = "untouched";
     MergeReport report;
@@ -102,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     require(report.documents.size() == 2);
-    if (!isPlain(style) || !isPlain(diversity) || !isWhole(report.documents[0]) || !isWhole(report.documents[1]))
+    if (!isPlainXml(style) || !isPlainXml(diversity) || !isWhole(report.documents[0]) || !isWhole(report.documents[1]))
         return 0;
     std::vector<Key> keys;
     std::vector<Key> printed;

@@ -14,41 +14,46 @@ using fuzzing::require;
 namespace {
 
 template <class Element>
-void readProperties(const Element& element) {
+void describeProperties(const Element& element, std::string& text) {
     for (const char* name : {"name", "value", "id", "enable"}) {
-        std::string text;
+        std::string value;
         int number = 0;
         bool truth = false;
-        element.getProperty(name, text);
-        element.getProperty(name, number);
-        element.getProperty(name, truth);
+        if (element.getProperty(name, value) != 0)
+            text += '|' + value;
+        if (element.getProperty(name, number) != 0)
+            text += '|' + std::to_string(number);
+        if (element.getProperty(name, truth) != 0)
+            text += truth ? "|true" : "|false";
     }
 }
 
-std::size_t readNode(const XmlConfigureNode& node) {
-    std::size_t count = 1;
-    readProperties(node);
+void describeNode(const XmlConfigureNode& node, std::string& text) {
+    text += '<' + node.getNodeName();
+    describeProperties(node, text);
     std::vector<XmlConfigureItem> items;
     node.getItemList(items);
-    for (const XmlConfigureItem& item : items)
-        readProperties(item);
+    for (const XmlConfigureItem& item : items) {
+        text += '-';
+        describeProperties(item, text);
+    }
     std::vector<XmlConfigureNode> nodes;
     node.getAllConfigNodeList(nodes);
     for (const XmlConfigureNode& child : nodes)
-        count += readNode(child);
-    return count + items.size();
+        describeNode(child, text);
+    text += '>';
 }
 
-/// The number of nodes and items in the file, or nothing if it cannot be read.
-int countElements(const std::string& path, std::size_t& count) {
+/// What a host finds in the file. 0 if it cannot be read.
+int describeFile(const std::string& path, std::string& text) {
     XmlConfigureTool tool;
     if (tool.open(path, 1, XmlConfigureTool::ReadOnly) == 0)
         return 0;
-    count = 0;
+    text = tool.getRootNodeName();
     std::vector<XmlConfigureNode> nodes;
     tool.getAllConfigNodeList(nodes);
     for (const XmlConfigureNode& node : nodes)
-        count += readNode(node);
+        describeNode(node, text);
     nodes.clear();
     return tool.close();
 }
@@ -56,12 +61,13 @@ int countElements(const std::string& path, std::size_t& count) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const fuzzing::ScratchFolder scratch;
-    sensorhost::setRootFolder(scratch.path());
-    scratch.write("input.xml", std::string_view(reinterpret_cast<const char*>(data), size));
+    static const fuzzing::ScratchFolder Scratch;
+    sensorhost::setRootFolder(Scratch.path());
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    Scratch.write("input.xml", input);
 
-    std::size_t before = 0;
-    if (countElements("/input.xml", before) == 0)
+    std::string before;
+    if (describeFile("/input.xml", before) == 0)
         return 0;
 
     XmlConfigureTool tool;
@@ -71,11 +77,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     XmlConfigureNode node("Added");
     node.setProperty("name", "a \"quoted\" <name>");
     node.addItem(item);
-    const int added = tool.addConfigNode(node);
-    require(tool.close() == 1);
-
-    std::size_t after = 0;
-    require(countElements("/input.xml", after) == 1);
-    require(added == 0 || after == before + 2);
+    require(tool.addConfigNode(node) == 1);
+    if (tool.close() == 0) {
+        require(!fuzzing::isPlainXml(input));
+        require(Scratch.read("input.xml") == input);
+        return 0;
+    }
+    std::string after;
+    require(describeFile("/input.xml", after) == 1);
+    require(after == before + "<Added|a \"quoted\" <name>-|7|7>");
     return 0;
 }

@@ -9,22 +9,22 @@ namespace camerasim {
 namespace {
 
 template <class Block>
-std::unique_ptr<CameraBlock> make(const BlockSettings& p_Settings) {
-    return std::make_unique<Block>(p_Settings);
+std::unique_ptr<CameraBlock> make(const BlockSettings& settings) {
+    return std::make_unique<Block>(settings);
 }
 
-constexpr auto entries = std::to_array<BlockEntry>({
+constexpr auto Entries = std::to_array<BlockEntry>({
     {.moduleId = 16, .name = "cmd8100", .baud = 9600, .make = &make<Cmd8100Block>},
 });
 
 } // namespace
 
-std::span<const BlockEntry> blockEntries() { return entries; }
+std::span<const BlockEntry> blockEntries() { return Entries; }
 
-std::unique_ptr<CameraBlock> makeBlock(int p_nModuleId, const BlockSettings& p_Settings) {
-    for (const BlockEntry& entry : entries) {
-        if (entry.moduleId == p_nModuleId) {
-            return entry.make(p_Settings);
+std::unique_ptr<CameraBlock> makeBlock(int moduleId, const BlockSettings& settings) {
+    for (const BlockEntry& entry : Entries) {
+        if (entry.moduleId == moduleId) {
+            return entry.make(settings);
         }
     }
     return nullptr;

@@ -6,17 +6,17 @@ namespace camerasim {
 
 /// How a block answers a setting command, where its protocol leaves a choice.
 enum class ReplyHabit {
-    acknowledge,             ///< one acknowledgement
-    acknowledgeThenComplete, ///< an acknowledgement, then a completion after `completionDelay`
-    complete                 ///< a completion only
+    Acknowledge,             ///< one acknowledgement
+    AcknowledgeThenComplete, ///< an acknowledgement, then a completion after `completionDelay`
+    Complete                 ///< a completion only
 };
 
 /// Light at the block's own sensor.
-enum class Ambient { light, dark };
+enum class Ambient { Light, Dark };
 
 /// What can differ from one block of a model to the next. All times are in microseconds.
 struct BlockSettings {
-    ReplyHabit habit = ReplyHabit::acknowledge;
+    ReplyHabit habit = ReplyHabit::Acknowledge;
     /// From the end of a command to its first reply byte.
     std::int64_t reactionTime = 0;
     /// From the acknowledgement to the completion.

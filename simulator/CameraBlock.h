@@ -28,7 +28,7 @@ struct RegisterState {
 /// PtyServer guard it, and their withBlock gives safe access.
 class CameraBlock {
 public:
-    explicit CameraBlock(const BlockSettings& p_Settings);
+    explicit CameraBlock(const BlockSettings& settings);
     virtual ~CameraBlock() = default;
     CameraBlock(const CameraBlock&) = delete;
     CameraBlock& operator=(const CameraBlock&) = delete;
@@ -38,37 +38,37 @@ public:
 
     /// Adds bytes from the host and returns how many it took; nextFrame then makes room for the rest. Bytes that come
     /// while the block boots or is off are taken and lost.
-    std::size_t feed(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow);
+    std::size_t feed(std::span<const std::uint8_t> bytes, std::int64_t now);
     /// Cuts the next whole frame out of what was fed and records it; false if there is none.
-    bool nextFrame(std::int64_t p_nNow);
+    bool nextFrame(std::int64_t now);
     /// The frame that nextFrame cut last.
     const WireFrame& frame() const { return m_Frame; }
     /// Carries that frame out; replies are appended in the order of their times.
-    void execute(std::int64_t p_nNow, std::vector<WireFrame>& p_Replies);
+    void execute(std::int64_t now, std::vector<WireFrame>& replies);
     /// Answers that frame with the protocol's refusal and changes nothing.
-    void refuse(std::int64_t p_nNow, std::vector<WireFrame>& p_Replies);
+    void refuse(std::int64_t now, std::vector<WireFrame>& replies);
     /// feed, and execute of every frame, for use without a line.
-    std::vector<WireFrame> exchange(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow);
+    std::vector<WireFrame> exchange(std::span<const std::uint8_t> bytes, std::int64_t now);
     /// Position of a reply's check byte, or of the byte that stands in for one where the protocol has none.
-    virtual std::size_t checkByteIndex(std::span<const std::uint8_t> p_Reply) const = 0;
+    virtual std::size_t checkByteIndex(std::span<const std::uint8_t> reply) const = 0;
 
     /// Value of a register; nothing if there is no such address or name.
-    virtual std::optional<std::uint32_t> registerValue(std::uint32_t p_nAddress) const = 0;
-    std::optional<std::uint32_t> registerValue(std::string_view p_strName) const;
+    virtual std::optional<std::uint32_t> registerValue(std::uint32_t address) const = 0;
+    std::optional<std::uint32_t> registerValue(std::string_view name) const;
     /// Sets a register as if by an inner hand, without range test; false if there is no such address.
-    virtual bool setRegister(std::uint32_t p_nAddress, std::uint32_t p_nValue) = 0;
+    virtual bool setRegister(std::uint32_t address, std::uint32_t value) = 0;
     /// Every register, in address order.
     virtual std::vector<RegisterState> registers() const = 0;
 
     /// Changes the light at the block's sensor; its day/night report follows while it decides for itself.
-    void setAmbient(Ambient p_Ambient);
+    void setAmbient(Ambient ambient);
     Ambient ambient() const { return m_Ambient; }
     /// Restarts the block: silent for the boot time, unanswered commands forgotten. With loss of state every register
     /// returns to its factory value, otherwise only the volatile ones do.
-    void reboot(std::int64_t p_nNow, bool p_bLoseState);
+    void reboot(std::int64_t now, bool loseState);
     /// Switches the block off, or on again with a boot.
-    void pressPowerButton(std::int64_t p_nNow);
-    bool isUp(std::int64_t p_nNow) const { return m_bPower && p_nNow >= m_nUpAt; }
+    void pressPowerButton(std::int64_t now);
+    bool isUp(std::int64_t now) const { return m_bPower && now >= m_nUpAt; }
     /// Counts restarts and power changes; a line drops what the block had not sent by then.
     unsigned powerChanges() const { return m_nPowerChanges; }
 
@@ -80,7 +80,7 @@ public:
     /// Forgets the frames received and the dropped count.
     void clearReceived();
     /// Human meaning of a frame of the host, for example "brightness 07" or "inquiry day/night".
-    virtual std::string describe(std::span<const std::uint8_t> p_Frame) const = 0;
+    virtual std::string describe(std::span<const std::uint8_t> frame) const = 0;
 
     BlockSettings& settings() { return m_Settings; }
     const BlockSettings& settings() const { return m_Settings; }
@@ -89,25 +89,25 @@ protected:
     /// What stands at the head of the received bytes: `length` bytes that are a frame or garbage, or an unfinished
     /// frame.
     struct Cut {
-        enum class Kind { unfinished, frame, garbage } kind = Kind::unfinished;
+        enum class Kind { Unfinished, Frame, Garbage } kind = Kind::Unfinished;
         std::size_t length = 0;
     };
 
     /// Judges the received bytes (never empty). Garbage is dropped and the rest judged again, so that answering one
     /// garbage byte at a time resynchronises on any later frame.
-    virtual Cut cut(std::span<const std::uint8_t> p_Bytes) const = 0;
-    virtual void executeFrame(std::span<const std::uint8_t> p_Frame, std::int64_t p_nNow) = 0;
-    virtual void refuseFrame(std::span<const std::uint8_t> p_Frame) = 0;
-    /// Registers after a start: all of them with p_bLoseState, otherwise the volatile ones.
-    virtual void resetRegisters(bool p_bLoseState) = 0;
+    virtual Cut cut(std::span<const std::uint8_t> bytes) const = 0;
+    virtual void executeFrame(std::span<const std::uint8_t> frame, std::int64_t now) = 0;
+    virtual void refuseFrame(std::span<const std::uint8_t> frame) = 0;
+    /// Registers after a start: all of them with `loseState`, otherwise the volatile ones.
+    virtual void resetRegisters(bool loseState) = 0;
     virtual void ambientChanged() {}
 
-    /// For executeFrame and refuseFrame: adds a reply, due the reaction time and p_nExtraDelay after the command.
-    void reply(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nExtraDelay = 0);
+    /// For executeFrame and refuseFrame: adds a reply, due the reaction time and `extraDelay` after the command.
+    void reply(std::span<const std::uint8_t> bytes, std::int64_t extraDelay = 0);
 
 private:
-    void dropHead(std::size_t p_nCount);
-    void startBoot(std::int64_t p_nNow);
+    void dropHead(std::size_t count);
+    void startBoot(std::int64_t now);
 
     BlockSettings m_Settings;
     WireFrame m_Input;
@@ -117,7 +117,7 @@ private:
     std::int64_t m_nLastByte = 0;
     std::int64_t m_nUpAt = 0;
     bool m_bPower = true;
-    Ambient m_Ambient = Ambient::light;
+    Ambient m_Ambient = Ambient::Light;
     unsigned m_nPowerChanges = 0;
     std::vector<WireFrame> m_Log;
     std::uint64_t m_nReceived = 0;

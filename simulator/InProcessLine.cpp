@@ -6,41 +6,45 @@ namespace camerasim {
 
 namespace {
 
-constexpr std::int64_t microsecondsPerTenth = 100'000;
+constexpr std::int64_t MicrosecondsPerTenth = 100'000;
+/// Waits in a row in which no time passed: the thread is being stopped, and its waits are cut.
+constexpr int MostCutWaits = 3;
 
 } // namespace
 
-InProcessLine::InProcessLine(std::unique_ptr<CameraBlock> p_pBlock, TimeSource& p_Time, int p_nBaud)
-    : m_pBlock(std::move(p_pBlock)), m_Time(p_Time), m_Line(*m_pBlock, p_nBaud) {}
+InProcessLine::InProcessLine(std::unique_ptr<CameraBlock> block, TimeSource& time, int baud)
+    : m_pBlock(std::move(block)), m_Time(time), m_Line(*m_pBlock, baud) {}
 
-std::ptrdiff_t InProcessLine::send(std::span<const std::uint8_t> p_Bytes) {
+std::ptrdiff_t InProcessLine::send(std::span<const std::uint8_t> bytes) {
     const std::lock_guard lock(m_Mutex);
-    return m_Line.write(p_Bytes, m_Time.nowMicroseconds());
+    return m_Line.write(bytes, m_Time.nowMicroseconds());
 }
 
-std::size_t InProcessLine::recv(std::span<std::uint8_t> p_Buffer, int p_nTenths) {
-    const std::int64_t nSilence = std::max(p_nTenths, 0) * microsecondsPerTenth;
-    std::int64_t nDeadline = m_Time.nowMicroseconds() + nSilence;
-    std::size_t nReceived = 0;
-    while (nReceived < p_Buffer.size()) {
-        std::int64_t nNow = 0;
-        std::int64_t nDue = 0;
+std::size_t InProcessLine::recv(std::span<std::uint8_t> buffer, int tenths) {
+    const std::int64_t silence = std::max(tenths, 0) * MicrosecondsPerTenth;
+    std::int64_t deadline = m_Time.nowMicroseconds() + silence;
+    std::size_t received = 0;
+    int cutWaits = 0;
+    while (received < buffer.size() && cutWaits < MostCutWaits) {
+        std::int64_t now = 0;
+        std::int64_t due = 0;
         {
             const std::lock_guard lock(m_Mutex);
-            nNow = m_Time.nowMicroseconds();
-            const std::size_t nNew = m_Line.read(p_Buffer.subspan(nReceived), nNow);
-            nReceived += nNew;
-            if (nNew > 0) {
-                nDeadline = nNow + nSilence;
+            now = m_Time.nowMicroseconds();
+            const std::size_t added = m_Line.read(buffer.subspan(received), now);
+            received += added;
+            if (added > 0) {
+                deadline = now + silence;
             }
-            nDue = m_Line.nextDue();
+            due = m_Line.nextDue();
         }
-        if (nReceived == p_Buffer.size() || nNow >= nDeadline) {
+        if (received == buffer.size() || now >= deadline) {
             break;
         }
-        m_Time.waitMicroseconds(std::max<std::int64_t>(std::min(nDue, nDeadline) - nNow, 1));
+        m_Time.waitMicroseconds(std::max<std::int64_t>(std::min(due, deadline) - now, 1));
+        cutWaits = m_Time.nowMicroseconds() == now ? cutWaits + 1 : 0;
     }
-    return nReceived;
+    return received;
 }
 
 } // namespace camerasim

@@ -17,29 +17,29 @@ namespace camerasim {
 class InProcessLine {
 public:
     /// The time source must outlive the line. Baud 0 carries everything instantly.
-    InProcessLine(std::unique_ptr<CameraBlock> p_pBlock, TimeSource& p_Time, int p_nBaud = 0);
+    InProcessLine(std::unique_ptr<CameraBlock> block, TimeSource& time, int baud = 0);
 
     /// Number of bytes taken, at once; -1 while the port is gone.
-    std::ptrdiff_t send(std::span<const std::uint8_t> p_Bytes);
-    /// Returns as soon as the buffer is full, or with what came before a silence of p_nTenths tenths of a second (also
+    std::ptrdiff_t send(std::span<const std::uint8_t> bytes);
+    /// Returns as soon as the buffer is full, or with what came before a silence of `tenths` of a second (also
     /// before the first byte). Waits through the time source.
-    std::size_t recv(std::span<std::uint8_t> p_Buffer, int p_nTenths);
+    std::size_t recv(std::span<std::uint8_t> buffer, int tenths);
 
-    /// Calls p_Function(CameraBlock&, now in microseconds) under the lock and gives its result.
+    /// Calls `function(CameraBlock&, now in microseconds)` under the lock and gives its result.
     template <class Function>
-    decltype(auto) withBlock(Function&& p_Function) {
+    decltype(auto) withBlock(Function&& function) {
         const std::lock_guard lock(m_Mutex);
-        const std::int64_t nNow = m_Time.nowMicroseconds();
-        m_Line.advance(nNow);
-        return std::forward<Function>(p_Function)(m_Line.block(), nNow);
+        const std::int64_t now = m_Time.nowMicroseconds();
+        m_Line.advance(now);
+        return std::forward<Function>(function)(m_Line.block(), now);
     }
-    /// Calls p_Function(Line&, now in microseconds) under the lock, for faults, speed, unplugging.
+    /// Calls `function(Line&, now in microseconds)` under the lock, for faults, speed, unplugging.
     template <class Function>
-    decltype(auto) withLine(Function&& p_Function) {
+    decltype(auto) withLine(Function&& function) {
         const std::lock_guard lock(m_Mutex);
-        const std::int64_t nNow = m_Time.nowMicroseconds();
-        m_Line.advance(nNow);
-        return std::forward<Function>(p_Function)(m_Line, nNow);
+        const std::int64_t now = m_Time.nowMicroseconds();
+        m_Line.advance(now);
+        return std::forward<Function>(function)(m_Line, now);
     }
 
 private:

@@ -7,20 +7,20 @@ namespace camerasim {
 
 namespace {
 
-constexpr std::int64_t microsecondsPerMillisecond = 1000;
+constexpr std::int64_t MicrosecondsPerMillisecond = 1000;
 
 /// Start, eight data bits and stop, in millionths of a second times the baud rate.
-constexpr std::int64_t byteBitMicroseconds = 10 * 1'000'000;
+constexpr std::int64_t ByteBitMicroseconds = 10 * 1'000'000;
 
 } // namespace
 
-void Line::Flow::push(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nStart, int p_nBaud) {
-    const std::int64_t nStart = std::max(p_nStart, freeAt);
-    std::int64_t nCount = 0;
-    for (const std::uint8_t nByte : p_Bytes) {
-        ++nCount;
-        freeAt = p_nBaud == 0 ? nStart : nStart + nCount * byteBitMicroseconds / p_nBaud;
-        items.push_back({freeAt, nByte});
+void Line::Flow::push(std::span<const std::uint8_t> bytes, std::int64_t start, int baud) {
+    const std::int64_t begin = std::max(start, freeAt);
+    std::int64_t count = 0;
+    for (const std::uint8_t byte : bytes) {
+        ++count;
+        freeAt = baud == 0 ? begin : begin + count * ByteBitMicroseconds / baud;
+        items.push_back({freeAt, byte});
     }
 }
 
@@ -41,136 +41,136 @@ void Line::Flow::clear() {
     freeAt = 0;
 }
 
-Line::Line(CameraBlock& p_Block, int p_nBaud)
-    : m_Block(p_Block), m_nBaud(p_nBaud > 0 ? p_nBaud : 0), m_nPowerChanges(p_Block.powerChanges()) {}
+Line::Line(CameraBlock& block, int baud)
+    : m_Block(block), m_nBaud(baud > 0 ? baud : 0), m_nPowerChanges(block.powerChanges()) {}
 
-std::ptrdiff_t Line::write(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow) {
-    advance(p_nNow);
-    if (portGone(p_nNow)) {
+std::ptrdiff_t Line::write(std::span<const std::uint8_t> bytes, std::int64_t now) {
+    advance(now);
+    if (portGone(now)) {
         return -1;
     }
-    std::size_t nTaken = p_Bytes.size();
-    const Fault* pShort = nTaken > 0 ? m_Faults.hit(FaultKind::shortWrite, 1) : nullptr;
-    if (pShort != nullptr) {
+    std::size_t taken = bytes.size();
+    const Fault* shortWrite = taken > 0 ? m_Faults.hit(FaultKind::ShortWrite, 1) : nullptr;
+    if (shortWrite != nullptr) {
         m_Faults.beginExchange();
-        --nTaken;
-        if (pShort->argument >= 0) {
-            nTaken = std::min(nTaken, static_cast<std::size_t>(pShort->argument));
+        --taken;
+        if (shortWrite->argument >= 0) {
+            taken = std::min(taken, static_cast<std::size_t>(shortWrite->argument));
         }
     }
-    const std::span<const std::uint8_t> taken = p_Bytes.first(nTaken);
+    const std::span<const std::uint8_t> carried = bytes.first(taken);
     if (m_nBaud == 0 && m_ToBlock.empty()) {
-        deliver(taken, p_nNow);
+        deliver(carried, now);
     } else {
-        m_ToBlock.push(taken, p_nNow, m_nBaud);
+        m_ToBlock.push(carried, now, m_nBaud);
     }
-    return static_cast<std::ptrdiff_t>(nTaken);
+    return static_cast<std::ptrdiff_t>(taken);
 }
 
-std::size_t Line::read(std::span<std::uint8_t> p_Buffer, std::int64_t p_nNow) {
-    advance(p_nNow);
-    std::size_t nRead = 0;
-    while (nRead < p_Buffer.size() && !m_ToHost.empty() && m_ToHost.front().time <= p_nNow) {
-        p_Buffer[nRead++] = m_ToHost.front().byte;
+std::size_t Line::read(std::span<std::uint8_t> buffer, std::int64_t now) {
+    advance(now);
+    std::size_t read = 0;
+    while (read < buffer.size() && !m_ToHost.empty() && m_ToHost.front().time <= now) {
+        buffer[read++] = m_ToHost.front().byte;
         m_ToHost.pop();
     }
-    return nRead;
+    return read;
 }
 
 std::int64_t Line::nextDue() const {
-    std::int64_t nDue = never;
+    std::int64_t due = Never;
     if (!m_ToBlock.empty()) {
-        nDue = std::min(nDue, m_ToBlock.front().time);
+        due = std::min(due, m_ToBlock.front().time);
     }
     if (!m_Pending.empty()) {
-        nDue = std::min(nDue, m_Pending.front().time);
+        due = std::min(due, m_Pending.front().time);
     }
     if (!m_ToHost.empty()) {
-        nDue = std::min(nDue, m_ToHost.front().time);
+        due = std::min(due, m_ToHost.front().time);
     }
-    return nDue;
+    return due;
 }
 
-void Line::unplug(std::int64_t p_nNow, std::int64_t p_nMicroseconds) {
-    m_nGoneUntil = p_nMicroseconds < 0 ? never : p_nNow + p_nMicroseconds;
+void Line::unplug(std::int64_t now, std::int64_t microseconds) {
+    m_nGoneUntil = microseconds < 0 ? Never : now + microseconds;
     m_ToBlock.clear();
     m_ToHost.clear();
     m_Pending.clear();
     m_Held.clear();
 }
 
-void Line::advance(std::int64_t p_nNow) {
+void Line::advance(std::int64_t now) {
     dropUnsentAfterRestart();
-    while (!m_ToBlock.empty() && m_ToBlock.front().time <= p_nNow) {
+    while (!m_ToBlock.empty() && m_ToBlock.front().time <= now) {
         const Flow::Item item = m_ToBlock.front();
         m_ToBlock.pop();
         deliver({&item.byte, 1}, item.time);
     }
-    sendPending(p_nNow);
+    sendPending(now);
 }
 
-void Line::deliver(std::span<const std::uint8_t> p_Bytes, std::int64_t p_nNow) {
-    while (!p_Bytes.empty() && !portGone(p_nNow)) {
-        p_Bytes = p_Bytes.subspan(m_Block.feed(p_Bytes, p_nNow));
-        while (m_Block.nextFrame(p_nNow)) {
-            serveFrame(p_nNow);
+void Line::deliver(std::span<const std::uint8_t> bytes, std::int64_t now) {
+    while (!bytes.empty() && !portGone(now)) {
+        bytes = bytes.subspan(m_Block.feed(bytes, now));
+        while (m_Block.nextFrame(now)) {
+            serveFrame(now);
         }
     }
 }
 
-void Line::serveFrame(std::int64_t p_nNow) {
+void Line::serveFrame(std::int64_t now) {
     // What was due before this frame is out, even if the frame restarts the block.
-    sendPending(p_nNow);
+    sendPending(now);
     m_Faults.beginExchange();
     m_Made.clear();
-    if (const Fault* pGone = m_Faults.hit(FaultKind::portGone)) {
-        unplug(p_nNow, pGone->argument * microsecondsPerMillisecond);
+    if (const Fault* gone = m_Faults.hit(FaultKind::PortGone)) {
+        unplug(now, gone->argument * MicrosecondsPerMillisecond);
         return;
     }
-    if (m_Faults.hit(FaultKind::reboot) != nullptr) {
-        m_Block.reboot(p_nNow, true);
+    if (m_Faults.hit(FaultKind::Reboot) != nullptr) {
+        m_Block.reboot(now, true);
         dropUnsentAfterRestart();
         return;
     }
-    if (m_Faults.hit(FaultKind::refuse) != nullptr) {
-        m_Block.refuse(p_nNow, m_Made);
+    if (m_Faults.hit(FaultKind::Refuse) != nullptr) {
+        m_Block.refuse(now, m_Made);
     } else {
-        m_Block.execute(p_nNow, m_Made);
+        m_Block.execute(now, m_Made);
     }
     dropUnsentAfterRestart();
     for (const Fault& fault : m_Faults.faults()) {
         if (m_Faults.hits(fault)) {
-            spoil(fault, p_nNow);
+            spoil(fault, now);
         }
     }
     schedule();
 }
 
-std::int64_t Line::replyTime(std::int64_t p_nNow) const {
-    return m_Made.empty() ? p_nNow + m_Block.settings().reactionTime : m_Made.front().time;
+std::int64_t Line::replyTime(std::int64_t now) const {
+    return m_Made.empty() ? now + m_Block.settings().reactionTime : m_Made.front().time;
 }
 
-void Line::spoil(const Fault& p_Fault, std::int64_t p_nNow) {
-    const auto insert = [this](std::size_t nIndex, const WireFrame& frame) {
-        m_Made.insert(m_Made.begin() + static_cast<std::ptrdiff_t>(std::min(nIndex, m_Made.size())), frame);
+void Line::spoil(const Fault& fault, std::int64_t now) {
+    const auto insert = [this](std::size_t index, const WireFrame& frame) {
+        m_Made.insert(m_Made.begin() + static_cast<std::ptrdiff_t>(std::min(index, m_Made.size())), frame);
     };
-    const auto nArgument = static_cast<std::size_t>(std::max(p_Fault.argument, 0));
+    const auto argument = static_cast<std::size_t>(std::max(fault.argument, 0));
 
-    switch (p_Fault.kind) {
-    case FaultKind::echo: {
+    switch (fault.kind) {
+    case FaultKind::Echo: {
         WireFrame echoed = m_Block.frame();
-        echoed.time = replyTime(p_nNow);
+        echoed.time = replyTime(now);
         insert(0, echoed);
         return;
     }
-    case FaultKind::noiseBefore:
-    case FaultKind::noiseBetween: {
+    case FaultKind::NoiseBefore:
+    case FaultKind::NoiseBetween: {
         WireFrame noise;
-        noise.time = replyTime(p_nNow);
-        for (std::size_t i = 0; i < std::min(nArgument, WireFrame::capacity); ++i) {
+        noise.time = replyTime(now);
+        for (std::size_t i = 0; i < std::min(argument, WireFrame::Capacity); ++i) {
             noise.append(static_cast<std::uint8_t>(m_Faults.random() >> 8));
         }
-        insert(p_Fault.kind == FaultKind::noiseBefore ? 0 : 1, noise);
+        insert(fault.kind == FaultKind::NoiseBefore ? 0 : 1, noise);
         return;
     }
     default:
@@ -180,49 +180,49 @@ void Line::spoil(const Fault& p_Fault, std::int64_t p_nNow) {
         return;
     }
     WireFrame& first = m_Made.front();
-    switch (p_Fault.kind) {
-    case FaultKind::silence:
+    switch (fault.kind) {
+    case FaultKind::Silence:
         m_Made.clear();
         break;
-    case FaultKind::late:
+    case FaultKind::Late:
         for (WireFrame& frame : m_Made) {
-            frame.time += p_Fault.argument * microsecondsPerMillisecond;
+            frame.time += fault.argument * MicrosecondsPerMillisecond;
         }
         break;
-    case FaultKind::truncate:
-        first.length = std::min(first.length, nArgument);
+    case FaultKind::Truncate:
+        first.length = std::min(first.length, argument);
         break;
-    case FaultKind::split: {
-        const std::size_t nHead = std::min(first.length, nArgument);
+    case FaultKind::Split: {
+        const std::size_t head = std::min(first.length, argument);
         WireFrame rest;
-        rest.assign(first.bytes().subspan(nHead));
-        rest.time = first.time + p_Fault.extra * microsecondsPerMillisecond;
-        first.length = nHead;
+        rest.assign(first.bytes().subspan(head));
+        rest.time = first.time + fault.extra * MicrosecondsPerMillisecond;
+        first.length = head;
         for (std::size_t i = 1; i < m_Made.size(); ++i) {
             m_Made[i].time = std::max(m_Made[i].time, rest.time);
         }
         insert(1, rest);
         break;
     }
-    case FaultKind::merge:
+    case FaultKind::Merge:
         m_Held.insert(m_Held.end(), m_Made.begin(), m_Made.end());
         m_Made.clear();
         break;
-    case FaultKind::flip: {
-        const std::size_t nByte =
-            p_Fault.argument < 0 ? m_Faults.random() % first.length : std::min(nArgument, first.length - 1);
-        const unsigned nBit = p_Fault.extra < 0 ? m_Faults.random() % 8U : static_cast<unsigned>(p_Fault.extra) % 8U;
-        first.buffer[nByte] = static_cast<std::uint8_t>(first.buffer[nByte] ^ 1U << nBit);
+    case FaultKind::Flip: {
+        const std::size_t byte =
+            fault.argument < 0 ? m_Faults.random() % first.length : std::min(argument, first.length - 1);
+        const unsigned bit = fault.extra < 0 ? m_Faults.random() % 8U : static_cast<unsigned>(fault.extra) % 8U;
+        first.buffer[byte] = static_cast<std::uint8_t>(first.buffer[byte] ^ 1U << bit);
         break;
     }
-    case FaultKind::duplicate: {
+    case FaultKind::Duplicate: {
         const WireFrame copy = first;
         insert(1, copy);
         break;
     }
-    case FaultKind::checksum: {
-        std::uint8_t& nCheck = first.buffer[std::min(m_Block.checkByteIndex(first.bytes()), first.length - 1)];
-        nCheck = static_cast<std::uint8_t>(nCheck + 1U);
+    case FaultKind::Checksum: {
+        std::uint8_t& check = first.buffer[std::min(m_Block.checkByteIndex(first.bytes()), first.length - 1)];
+        check = static_cast<std::uint8_t>(check + 1U);
         break;
     }
     default:
@@ -233,7 +233,7 @@ void Line::spoil(const Fault& p_Fault, std::int64_t p_nNow) {
 void Line::schedule() {
     const auto add = [this](const WireFrame& frame) {
         const auto it = std::upper_bound(m_Pending.begin(), m_Pending.end(), frame.time,
-                                         [](std::int64_t nTime, const WireFrame& other) { return nTime < other.time; });
+                                         [](std::int64_t time, const WireFrame& other) { return time < other.time; });
         m_Pending.insert(it, frame);
     };
     if (m_Made.empty()) {
@@ -249,9 +249,9 @@ void Line::schedule() {
     }
 }
 
-void Line::sendPending(std::int64_t p_nNow) {
+void Line::sendPending(std::int64_t now) {
     auto it = m_Pending.begin();
-    for (; it != m_Pending.end() && it->time <= p_nNow; ++it) {
+    for (; it != m_Pending.end() && it->time <= now; ++it) {
         m_ToHost.push(std::as_const(*it).bytes(), it->time, m_nBaud);
     }
     m_Pending.erase(m_Pending.begin(), it);

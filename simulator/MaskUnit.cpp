@@ -7,45 +7,45 @@ namespace camerasim {
 namespace {
 
 enum Operation : std::uint8_t {
-    choose = 0x00,
-    set = 0x01,
-    show = 0x04,
-    hide = 0x05,
-    clearOne = 0x06,
-    clearAll = 0x07,
-    resize = 0x20
+    Choose = 0x00,
+    Set = 0x01,
+    Show = 0x04,
+    Hide = 0x05,
+    ClearOne = 0x06,
+    ClearAll = 0x07,
+    Resize = 0x20
 };
 
 } // namespace
 
-bool MaskUnit::execute(std::span<const std::uint8_t> p_Frame) {
-    const std::uint8_t nArgument = p_Frame[2];
-    MaskRegion& region = m_Regions[nArgument];
-    switch (p_Frame[1]) {
-    case choose:
-        m_nCurrent = nArgument;
+bool MaskUnit::execute(std::span<const std::uint8_t> frame) {
+    const std::uint8_t argument = frame[2];
+    MaskRegion& region = m_Regions[argument];
+    switch (frame[1]) {
+    case Choose:
+        m_nCurrent = argument;
         return true;
-    case set:
-        region = {.set = true, .shown = true, .width = defaultSize, .height = defaultSize};
+    case Set:
+        region = {.set = true, .shown = true, .width = DefaultSize, .height = DefaultSize};
         return true;
-    case show:
-    case hide:
-        region.shown = region.set && p_Frame[1] == show;
+    case Show:
+    case Hide:
+        region.shown = region.set && frame[1] == Show;
         return true;
-    case clearOne:
+    case ClearOne:
         region = {};
         return true;
-    case clearAll:
+    case ClearAll:
         m_Regions.fill({});
         return true;
-    case resize: {
+    case Resize: {
         MaskRegion& current = m_Regions[m_nCurrent];
-        if (nArgument < 1 || nArgument > 4) {
+        if (argument < 1 || argument > 4) {
             return false;
         }
         if (current.set) {
-            int& nSide = nArgument <= 2 ? current.width : current.height;
-            nSide = std::clamp(nSide + (nArgument % 2 == 1 ? 1 : -1), 1, largestSize);
+            int& side = argument <= 2 ? current.width : current.height;
+            side = std::clamp(side + (argument % 2 == 1 ? 1 : -1), 1, LargestSize);
         }
         return true;
     }
@@ -54,26 +54,26 @@ bool MaskUnit::execute(std::span<const std::uint8_t> p_Frame) {
     }
 }
 
-std::string MaskUnit::describe(std::span<const std::uint8_t> p_Frame) {
-    const std::string strRegion = std::to_string(p_Frame[2]);
-    switch (p_Frame[1]) {
-    case choose:
-        return "mask: set region " + strRegion;
-    case set:
-        return "mask: set " + strRegion;
-    case show:
-        return "mask: show " + strRegion;
-    case hide:
-        return "mask: hide " + strRegion;
-    case clearOne:
-        return "mask: clear " + strRegion;
-    case clearAll:
+std::string MaskUnit::describe(std::span<const std::uint8_t> frame) {
+    const std::string region = std::to_string(frame[2]);
+    switch (frame[1]) {
+    case Choose:
+        return "mask: set region " + region;
+    case Set:
+        return "mask: set " + region;
+    case Show:
+        return "mask: show " + region;
+    case Hide:
+        return "mask: hide " + region;
+    case ClearOne:
+        return "mask: clear " + region;
+    case ClearAll:
         return "mask: clear all";
-    case resize: {
-        static constexpr std::string_view steps[] = {"increase width", "decrease width", "increase height",
+    case Resize: {
+        static constexpr std::string_view Steps[] = {"increase width", "decrease width", "increase height",
                                                      "decrease height"};
-        if (p_Frame[2] >= 1 && p_Frame[2] <= 4) {
-            return "mask: " + std::string(steps[p_Frame[2] - 1]);
+        if (frame[2] >= 1 && frame[2] <= 4) {
+            return "mask: " + std::string(Steps[frame[2] - 1]);
         }
         break;
     }
@@ -83,20 +83,20 @@ std::string MaskUnit::describe(std::span<const std::uint8_t> p_Frame) {
     return "mask: unknown operation";
 }
 
-std::uint32_t MaskUnit::packed(int p_nRegion) const {
-    const MaskRegion& mask = region(p_nRegion);
+std::uint32_t MaskUnit::packed(int region) const {
+    const MaskRegion& mask = m_Regions[static_cast<std::uint8_t>(region)];
     return (mask.set ? 1U : 0U) | (mask.shown ? 2U : 0U) | static_cast<std::uint32_t>(mask.width) << 8 |
            static_cast<std::uint32_t>(mask.height) << 16;
 }
 
-void MaskUnit::setPacked(int p_nRegion, std::uint32_t p_nValue) {
-    MaskRegion& mask = m_Regions[static_cast<std::uint8_t>(p_nRegion)];
+void MaskUnit::setPacked(int region, std::uint32_t value) {
+    MaskRegion& mask = m_Regions[static_cast<std::uint8_t>(region)];
     mask = {};
-    if ((p_nValue & 1U) != 0) {
+    if ((value & 1U) != 0) {
         mask.set = true;
-        mask.shown = (p_nValue & 2U) != 0;
-        mask.width = std::clamp(static_cast<int>(p_nValue >> 8 & 0xffU), 1, largestSize);
-        mask.height = std::clamp(static_cast<int>(p_nValue >> 16 & 0xffU), 1, largestSize);
+        mask.shown = (value & 2U) != 0;
+        mask.width = std::clamp(static_cast<int>(value >> 8 & 0xffU), 1, LargestSize);
+        mask.height = std::clamp(static_cast<int>(value >> 16 & 0xffU), 1, LargestSize);
     }
 }
 

@@ -19,24 +19,24 @@ struct MaskRegion {
 /// The mask unit that shares a block's serial line: frames A1 op region FF, each answered by its exact echo.
 class MaskUnit {
 public:
-    static constexpr std::size_t frameLength = 4;
-    static constexpr int defaultSize = 8;
-    static constexpr int largestSize = 32;
+    static constexpr std::size_t FrameLength = 4;
+    static constexpr int DefaultSize = 8;
+    static constexpr int LargestSize = 32;
 
     /// Carries a frame out; false if the operation is unknown, then nothing is answered.
-    bool execute(std::span<const std::uint8_t> p_Frame);
+    bool execute(std::span<const std::uint8_t> frame);
     /// Meaning of a frame, for example "mask: set region 3".
-    static std::string describe(std::span<const std::uint8_t> p_Frame);
+    static std::string describe(std::span<const std::uint8_t> frame);
 
     /// Region 0 to 255.
-    const MaskRegion& region(int p_nRegion) const { return m_Regions[static_cast<std::uint8_t>(p_nRegion)]; }
+    const MaskRegion& region(int region) const { return m_Regions[static_cast<std::uint8_t>(region)]; }
     /// The region that size operations act on; 0 before the first choice.
     int currentRegion() const { return m_nCurrent; }
-    void setCurrentRegion(int p_nRegion) { m_nCurrent = static_cast<std::uint8_t>(p_nRegion); }
+    void setCurrentRegion(int region) { m_nCurrent = static_cast<std::uint8_t>(region); }
 
     /// A region as one number: bit 0 set, bit 1 shown, bits 8 to 15 width, 16 to 23 height.
-    std::uint32_t packed(int p_nRegion) const;
-    void setPacked(int p_nRegion, std::uint32_t p_nValue);
+    std::uint32_t packed(int region) const;
+    void setPacked(int region, std::uint32_t value);
     void clear() { *this = MaskUnit(); }
 
 private:

@@ -20,14 +20,14 @@ namespace camerasim {
 namespace {
 
 /// How long the thread leaves a port alone that it could not reopen.
-constexpr std::int64_t reopenPause = 100'000;
+constexpr std::int64_t ReopenPause = 100'000;
 
 struct Speed {
     speed_t code;
     int baud;
 };
 
-constexpr auto speeds = std::to_array<Speed>({{B1200, 1200},
+constexpr auto Speeds = std::to_array<Speed>({{B1200, 1200},
                                               {B2400, 2400},
                                               {B4800, 4800},
                                               {B9600, 9600},
@@ -39,9 +39,7 @@ constexpr auto speeds = std::to_array<Speed>({{B1200, 1200},
                                               {B460800, 460800},
                                               {B921600, 921600}});
 
-std::string failure(const char* p_szWhat) {
-    return std::string(p_szWhat) + ": " + std::generic_category().message(errno);
-}
+std::string failure(const char* what) { return std::string(what) + ": " + std::generic_category().message(errno); }
 
 } // namespace
 
@@ -50,8 +48,8 @@ std::int64_t PtyServer::now() {
         .count();
 }
 
-PtyServer::PtyServer(std::unique_ptr<CameraBlock> p_pBlock, Settings p_Settings)
-    : m_pBlock(std::move(p_pBlock)), m_Settings(std::move(p_Settings)), m_Line(*m_pBlock, m_Settings.baud),
+PtyServer::PtyServer(std::unique_ptr<CameraBlock> block, Settings settings)
+    : m_pBlock(std::move(block)), m_Settings(std::move(settings)), m_Line(*m_pBlock, m_Settings.baud),
       m_nWake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 PtyServer::~PtyServer() {
@@ -61,24 +59,24 @@ PtyServer::~PtyServer() {
     }
 }
 
-bool PtyServer::start(std::string& p_strError) {
+bool PtyServer::start(std::string& error) {
     const std::lock_guard lock(m_Mutex);
     if (m_bRunning) {
-        p_strError = "already started";
+        error = "already started";
         return false;
     }
     if (m_nWake < 0) {
-        p_strError = "no event descriptor";
+        error = "no event descriptor";
         return false;
     }
-    if (!openPort(p_strError)) {
+    if (!openPort(error)) {
         return false;
     }
     m_bStop = false;
     try {
         m_Thread = std::thread([this] { run(); });
-    } catch (const std::system_error& error) {
-        p_strError = error.what();
+    } catch (const std::system_error& problem) {
+        error = problem.what();
         closePort();
         return false;
     }
@@ -116,22 +114,22 @@ void PtyServer::unplug() {
     m_PortChanged.wait(lock, [this] { return m_nMaster < 0 || !m_bRunning; });
 }
 
-bool PtyServer::plug(std::string& p_strError) {
+bool PtyServer::plug(std::string& error) {
     std::unique_lock lock(m_Mutex);
     m_Line.plug();
     m_strOpenError.clear();
     wake();
     m_PortChanged.wait(lock, [this] { return m_nMaster >= 0 || !m_bRunning || !m_strOpenError.empty(); });
-    p_strError = m_bRunning ? m_strOpenError : "not started";
+    error = m_bRunning ? m_strOpenError : "not started";
     return m_nMaster >= 0;
 }
 
-bool PtyServer::openPort(std::string& p_strError) {
+bool PtyServer::openPort(std::string& error) {
     m_nMaster = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     std::array<char, 128> name{};
     if (m_nMaster < 0 || grantpt(m_nMaster) != 0 || unlockpt(m_nMaster) != 0 ||
         ptsname_r(m_nMaster, name.data(), name.size()) != 0) {
-        p_strError = failure("cannot open a pseudo-terminal");
+        error = failure("cannot open a pseudo-terminal");
         closePort();
         return false;
     }
@@ -140,14 +138,14 @@ bool PtyServer::openPort(std::string& p_strError) {
     m_nSlave = open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     termios settings{};
     if (m_nSlave < 0 || tcgetattr(m_nSlave, &settings) != 0) {
-        p_strError = failure("cannot open the pseudo-terminal's slave");
+        error = failure("cannot open the pseudo-terminal's slave");
         closePort();
         return false;
     }
     cfmakeraw(&settings);
     cfsetspeed(&settings, B9600);
     tcsetattr(m_nSlave, TCSANOW, &settings);
-    if (!makeLink(p_strError)) {
+    if (!makeLink(error)) {
         closePort();
         return false;
     }
@@ -156,35 +154,35 @@ bool PtyServer::openPort(std::string& p_strError) {
 
 void PtyServer::closePort() {
     removeLink();
-    for (int* pDescriptor : {&m_nSlave, &m_nMaster}) {
-        if (*pDescriptor >= 0) {
-            close(*pDescriptor);
-            *pDescriptor = -1;
+    for (int* descriptor : {&m_nSlave, &m_nMaster}) {
+        if (*descriptor >= 0) {
+            close(*descriptor);
+            *descriptor = -1;
         }
     }
     m_strSlave.clear();
 }
 
-bool PtyServer::makeLink(std::string& p_strError) {
+bool PtyServer::makeLink(std::string& error) {
     if (m_Settings.linkPath.empty()) {
         return true;
     }
     const std::filesystem::path path(m_Settings.linkPath);
     const std::filesystem::path temporary = m_Settings.linkPath + ".new";
-    std::error_code error;
-    const auto status = std::filesystem::symlink_status(path, error);
+    std::error_code problem;
+    const auto status = std::filesystem::symlink_status(path, problem);
     if (std::filesystem::exists(status) && !std::filesystem::is_symlink(status)) {
-        p_strError = m_Settings.linkPath + " exists and is no symbolic link";
+        error = m_Settings.linkPath + " exists and is no symbolic link";
         return false;
     }
     // By rename, so that a client never finds the name missing while an old link is replaced.
-    std::filesystem::remove(temporary, error);
-    std::filesystem::create_symlink(m_strSlave, temporary, error);
-    if (!error) {
-        std::filesystem::rename(temporary, path, error);
+    std::filesystem::remove(temporary, problem);
+    std::filesystem::create_symlink(m_strSlave, temporary, problem);
+    if (!problem) {
+        std::filesystem::rename(temporary, path, problem);
     }
-    if (error) {
-        p_strError = "cannot make the link " + m_Settings.linkPath + ": " + error.message();
+    if (problem) {
+        error = "cannot make the link " + m_Settings.linkPath + ": " + problem.message();
         return false;
     }
     return true;
@@ -199,19 +197,19 @@ void PtyServer::removeLink() {
 }
 
 void PtyServer::wake() const {
-    const std::uint64_t nOne = 1;
-    [[maybe_unused]] const ssize_t nWritten = write(m_nWake, &nOne, sizeof nOne);
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(m_nWake, &one, sizeof one);
 }
 
 void PtyServer::followPort() {
-    const bool bGone = m_Line.portGone(now());
-    if (bGone && m_nMaster >= 0) {
+    const bool gone = m_Line.portGone(now());
+    if (gone && m_nMaster >= 0) {
         closePort();
         m_PortChanged.notify_all();
-    } else if (!bGone && m_nMaster < 0) {
+    } else if (!gone && m_nMaster < 0) {
         m_strOpenError.clear();
         if (!openPort(m_strOpenError)) {
-            m_Line.unplug(now(), reopenPause);
+            m_Line.unplug(now(), ReopenPause);
         }
         m_PortChanged.notify_all();
     }
@@ -223,15 +221,15 @@ void PtyServer::run() {
     std::array<pollfd, 2> waited{};
     waited[0] = {m_nWake, POLLIN, 0};
     for (;;) {
-        std::int64_t nDue = 0;
+        std::int64_t due = 0;
         {
             const std::lock_guard lock(m_Mutex);
             if (m_bStop) {
                 return;
             }
             if ((waited[0].revents & POLLIN) != 0) {
-                std::uint64_t nCount = 0;
-                [[maybe_unused]] const ssize_t nRead = read(m_nWake, &nCount, sizeof nCount);
+                std::uint64_t count = 0;
+                [[maybe_unused]] const ssize_t taken = read(m_nWake, &count, sizeof count);
             }
             followPort();
             if (m_nMaster >= 0) {
@@ -239,41 +237,41 @@ void PtyServer::run() {
                 followPort();
             }
             waited[1] = {m_nMaster, POLLIN, 0};
-            nDue = m_nMaster >= 0 ? m_Line.nextDue() : m_Line.goneUntil();
+            due = m_nMaster >= 0 ? m_Line.nextDue() : m_Line.goneUntil();
         }
         timespec timeout{};
-        if (nDue != Line::never) {
-            const std::int64_t nWait = std::max<std::int64_t>(nDue - now(), 0);
-            timeout.tv_sec = static_cast<time_t>(nWait / 1'000'000);
-            timeout.tv_nsec = static_cast<long>(nWait % 1'000'000 * 1000);
+        if (due != Line::Never) {
+            const std::int64_t wait = std::max<std::int64_t>(due - now(), 0);
+            timeout.tv_sec = static_cast<time_t>(wait / 1'000'000);
+            timeout.tv_nsec = static_cast<long>(wait % 1'000'000 * 1000);
         }
-        if (ppoll(waited.data(), waited.size(), nDue == Line::never ? nullptr : &timeout, nullptr) < 0) {
+        if (ppoll(waited.data(), waited.size(), due == Line::Never ? nullptr : &timeout, nullptr) < 0) {
             waited[0].revents = POLLIN;
         }
     }
 }
 
-void PtyServer::serve(std::int64_t p_nNow) {
+void PtyServer::serve(std::int64_t now) {
     std::array<std::uint8_t, 512> buffer;
-    const ssize_t nCame = read(m_nMaster, buffer.data(), buffer.size());
-    if (nCame > 0) {
+    const ssize_t came = read(m_nMaster, buffer.data(), buffer.size());
+    if (came > 0) {
         if (m_Settings.followClientBaud) {
             termios settings{};
             if (tcgetattr(m_nMaster, &settings) == 0) {
-                const speed_t nCode = cfgetospeed(&settings);
+                const speed_t code = cfgetospeed(&settings);
                 const auto speed =
-                    std::find_if(speeds.begin(), speeds.end(), [nCode](const Speed& row) { return row.code == nCode; });
-                if (speed != speeds.end()) {
+                    std::find_if(Speeds.begin(), Speeds.end(), [code](const Speed& row) { return row.code == code; });
+                if (speed != Speeds.end()) {
                     m_Line.setBaud(speed->baud);
                 }
             }
         }
-        m_Line.write(std::span(buffer).first(static_cast<std::size_t>(nCame)), p_nNow);
+        m_Line.write(std::span(buffer).first(static_cast<std::size_t>(came)), now);
     }
     // A client that does not read loses bytes once the pty is full, as on a real line.
-    const std::size_t nGoing = m_Line.read(buffer, p_nNow);
-    if (nGoing > 0) {
-        [[maybe_unused]] const ssize_t nWritten = ::write(m_nMaster, buffer.data(), nGoing);
+    const std::size_t going = m_Line.read(buffer, now);
+    if (going > 0) {
+        [[maybe_unused]] const ssize_t written = ::write(m_nMaster, buffer.data(), going);
     }
 }
 

@@ -28,14 +28,14 @@ public:
         std::string linkPath;
     };
 
-    PtyServer(std::unique_ptr<CameraBlock> p_pBlock, Settings p_Settings);
+    PtyServer(std::unique_ptr<CameraBlock> block, Settings settings);
     /// Stops, as stop does.
     ~PtyServer();
     PtyServer(const PtyServer&) = delete;
     PtyServer& operator=(const PtyServer&) = delete;
 
-    /// Opens the pty and starts the thread; on failure false, with the reason in p_strError.
-    bool start(std::string& p_strError);
+    /// Opens the pty and starts the thread; on failure false, with the reason in `error`.
+    bool start(std::string& error);
     /// Ends the thread promptly, closes the pty and removes the link. Harmless when not started.
     void stop();
 
@@ -47,33 +47,33 @@ public:
     /// Takes the port away as if its adapter were pulled: clients see a hang-up. Done when the call returns.
     void unplug();
     /// Brings it back as a new pty behind the same link. False with the reason if that fails.
-    bool plug(std::string& p_strError);
+    bool plug(std::string& error);
 
     /// Microseconds of the server's clock (monotonic).
     static std::int64_t now();
 
-    /// Calls p_Function(CameraBlock&, now in microseconds) under the server's lock and gives its result.
+    /// Calls `function(CameraBlock&, now in microseconds)` under the server's lock and gives its result.
     template <class Function>
-    decltype(auto) withBlock(Function&& p_Function) {
+    decltype(auto) withBlock(Function&& function) {
         const Guard guard(*this);
-        const std::int64_t nNow = now();
-        m_Line.advance(nNow);
-        return std::forward<Function>(p_Function)(m_Line.block(), nNow);
+        const std::int64_t now = PtyServer::now();
+        m_Line.advance(now);
+        return std::forward<Function>(function)(m_Line.block(), now);
     }
-    /// Calls p_Function(Line&, now in microseconds) under the server's lock, for faults and speed.
+    /// Calls `function(Line&, now in microseconds)` under the server's lock, for faults and speed.
     template <class Function>
-    decltype(auto) withLine(Function&& p_Function) {
+    decltype(auto) withLine(Function&& function) {
         const Guard guard(*this);
-        const std::int64_t nNow = now();
-        m_Line.advance(nNow);
-        return std::forward<Function>(p_Function)(m_Line, nNow);
+        const std::int64_t now = PtyServer::now();
+        m_Line.advance(now);
+        return std::forward<Function>(function)(m_Line, now);
     }
 
 private:
     /// The lock; when it is given back the thread looks at the line anew.
     class Guard {
     public:
-        explicit Guard(PtyServer& p_Server) : m_Server(p_Server) { m_Server.m_Mutex.lock(); }
+        explicit Guard(PtyServer& server) : m_Server(server) { m_Server.m_Mutex.lock(); }
         ~Guard() {
             m_Server.m_Mutex.unlock();
             m_Server.wake();
@@ -85,14 +85,14 @@ private:
         PtyServer& m_Server;
     };
 
-    bool openPort(std::string& p_strError);
+    bool openPort(std::string& error);
     void closePort();
-    bool makeLink(std::string& p_strError);
+    bool makeLink(std::string& error);
     void removeLink();
     void wake() const;
     void run();
     void followPort();
-    void serve(std::int64_t p_nNow);
+    void serve(std::int64_t now);
 
     std::unique_ptr<CameraBlock> m_pBlock;
     Settings m_Settings;

@@ -13,97 +13,97 @@ namespace camerasim {
 
 namespace {
 
-constexpr std::string_view headWord = "camerasim-state 1 ";
+constexpr std::string_view HeadWord = "camerasim-state 1 ";
 
 /// The line up to its comment, without blanks at either end; taken off the text.
-std::string_view takeLine(std::string_view& p_strText) {
-    const std::size_t nEnd = std::min(p_strText.find('\n'), p_strText.size());
-    std::string_view strLine = p_strText.substr(0, nEnd);
-    p_strText.remove_prefix(std::min(nEnd + 1, p_strText.size()));
-    strLine = strLine.substr(0, strLine.find('#'));
-    const std::size_t nFirst = std::min(strLine.find_first_not_of(" \t\r"), strLine.size());
-    strLine.remove_prefix(nFirst);
-    return strLine.substr(0, strLine.find_last_not_of(" \t\r") + 1);
+std::string_view takeLine(std::string_view& text) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    line = line.substr(0, line.find('#'));
+    const std::size_t first = std::min(line.find_first_not_of(" \t\r"), line.size());
+    line.remove_prefix(first);
+    return line.substr(0, line.find_last_not_of(" \t\r") + 1);
 }
 
-bool parseHex(std::string_view p_strText, std::uint32_t& p_nValue) {
-    const auto result = std::from_chars(p_strText.data(), p_strText.data() + p_strText.size(), p_nValue, 16);
-    return result.ec == std::errc() && result.ptr == p_strText.data() + p_strText.size();
+bool parseHex(std::string_view text, std::uint32_t& value) {
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value, 16);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
 } // namespace
 
-std::string stateText(const CameraBlock& p_Block) {
-    std::string strText = std::string(headWord) + std::string(p_Block.modelName()) + '\n';
-    for (const RegisterState& state : p_Block.registers()) {
+std::string stateText(const CameraBlock& block) {
+    std::string text = std::string(HeadWord) + std::string(block.modelName()) + '\n';
+    for (const RegisterState& state : block.registers()) {
         if (state.persistent) {
             char numbers[32];
             std::snprintf(numbers, sizeof numbers, "%04X %X", state.address, state.value);
-            strText += std::string(numbers) + "  # " + state.name + '\n';
+            text += std::string(numbers) + "  # " + state.name + '\n';
         }
     }
-    return strText;
+    return text;
 }
 
-bool applyStateText(CameraBlock& p_Block, std::string_view p_strText, std::string& p_strError) {
+bool applyStateText(CameraBlock& block, std::string_view text, std::string& error) {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> values;
-    if (takeLine(p_strText) != std::string(headWord) + std::string(p_Block.modelName())) {
-        p_strError = "line 1: expected \"" + std::string(headWord) + std::string(p_Block.modelName()) + "\"";
+    if (takeLine(text) != std::string(HeadWord) + std::string(block.modelName())) {
+        error = "line 1: expected \"" + std::string(HeadWord) + std::string(block.modelName()) + "\"";
         return false;
     }
-    for (int nLine = 2; !p_strText.empty(); ++nLine) {
-        const std::string_view strLine = takeLine(p_strText);
-        if (strLine.empty()) {
+    for (int number = 2; !text.empty(); ++number) {
+        const std::string_view line = takeLine(text);
+        if (line.empty()) {
             continue;
         }
-        const std::size_t nGap = strLine.find_first_of(" \t");
-        std::uint32_t nAddress = 0;
-        std::uint32_t nValue = 0;
-        if (nGap == std::string_view::npos || !parseHex(strLine.substr(0, nGap), nAddress) ||
-            !parseHex(strLine.substr(strLine.find_first_not_of(" \t", nGap)), nValue)) {
-            p_strError = "line " + std::to_string(nLine) + ": expected a register address and its value in hex";
+        const std::size_t gap = line.find_first_of(" \t");
+        std::uint32_t address = 0;
+        std::uint32_t value = 0;
+        if (gap == std::string_view::npos || !parseHex(line.substr(0, gap), address) ||
+            !parseHex(line.substr(line.find_first_not_of(" \t", gap)), value)) {
+            error = "line " + std::to_string(number) + ": expected a register address and its value in hex";
             return false;
         }
-        if (!p_Block.registerValue(nAddress)) {
-            p_strError =
-                "line " + std::to_string(nLine) + ": the block has no register " + std::string(strLine.substr(0, nGap));
+        if (!block.registerValue(address)) {
+            error =
+                "line " + std::to_string(number) + ": the block has no register " + std::string(line.substr(0, gap));
             return false;
         }
-        values.emplace_back(nAddress, nValue);
+        values.emplace_back(address, value);
     }
-    for (const auto& [nAddress, nValue] : values) {
-        p_Block.setRegister(nAddress, nValue);
+    for (const auto& [address, value] : values) {
+        block.setRegister(address, value);
     }
     return true;
 }
 
-bool saveState(const CameraBlock& p_Block, const std::string& p_strPath, std::string& p_strError) {
-    const std::string strTemporary = p_strPath + ".new";
-    std::ofstream file(strTemporary, std::ios::binary | std::ios::trunc);
-    file << stateText(p_Block);
+bool saveState(const CameraBlock& block, const std::string& path, std::string& error) {
+    const std::string temporary = path + ".new";
+    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+    file << stateText(block);
     file.close();
-    std::error_code error;
+    std::error_code failure;
     if (file) {
-        std::filesystem::rename(strTemporary, p_strPath, error);
-        if (!error) {
+        std::filesystem::rename(temporary, path, failure);
+        if (!failure) {
             return true;
         }
     }
     std::error_code ignored;
-    std::filesystem::remove(strTemporary, ignored);
-    p_strError = "cannot write " + p_strPath + (error ? ": " + error.message() : std::string());
+    std::filesystem::remove(temporary, ignored);
+    error = "cannot write " + path + (failure ? ": " + failure.message() : std::string());
     return false;
 }
 
-bool loadState(CameraBlock& p_Block, const std::string& p_strPath, std::string& p_strError) {
-    std::ifstream file(p_strPath, std::ios::binary);
-    const std::string strText{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+bool loadState(CameraBlock& block, const std::string& path, std::string& error) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (!file.is_open() || file.bad()) {
-        p_strError = "cannot read " + p_strPath;
+        error = "cannot read " + path;
         return false;
     }
-    if (!applyStateText(p_Block, strText, p_strError)) {
-        p_strError = p_strPath + ": " + p_strError;
+    if (!applyStateText(block, text, error)) {
+        error = path + ": " + error;
         return false;
     }
     return true;

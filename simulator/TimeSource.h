@@ -12,8 +12,9 @@ struct TimeSource {
     /// lock held, so it must not call back into a line.
     virtual std::int64_t nowMicroseconds() = 0;
 
-    /// Blocks the calling thread for so many microseconds (more than 0) of this clock. Called without a lock held.
-    virtual void waitMicroseconds(std::int64_t p_nMicroseconds) = 0;
+    /// Blocks the calling thread for so many microseconds (more than 0) of this clock; at once over on a thread that is
+    /// being stopped. Called without a lock held.
+    virtual void waitMicroseconds(std::int64_t microseconds) = 0;
 };
 
 } // namespace camerasim

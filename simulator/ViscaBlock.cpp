@@ -23,121 +23,119 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::uint8_t commandHeader = 0x81;
-constexpr std::uint8_t privateHeader = 0xfe;
-constexpr std::uint8_t maskHeader = 0xa1;
-constexpr std::uint8_t terminator = 0xff;
-constexpr std::size_t longestCommand = 16;
-constexpr std::string_view panTiltStop = "MENUON";
+constexpr std::uint8_t CommandHeader = 0x81;
+constexpr std::uint8_t PrivateHeader = 0xfe;
+constexpr std::uint8_t MaskHeader = 0xa1;
+constexpr std::uint8_t Terminator = 0xff;
+constexpr std::size_t LongestCommand = 16;
+constexpr std::string_view PanTiltStop = "MENUON";
 
-constexpr std::uint32_t dayNightRegister = 0x01;
-constexpr std::uint32_t dayNightModeRegister = 0x51;
-constexpr std::uint32_t privateDayNightRegister = 0xfe00;
-constexpr std::uint32_t versionRegister = 0x22;
-constexpr std::uint32_t maskRegister = 0xa100;
-constexpr std::uint32_t inForceOffset = 0x10000;
+constexpr std::uint32_t DayNightRegister = 0x01;
+constexpr std::uint32_t DayNightModeRegister = 0x51;
+constexpr std::uint32_t PrivateDayNightRegister = 0xfe00;
+constexpr std::uint32_t VersionRegister = 0x22;
+constexpr std::uint32_t MaskRegister = 0xa100;
+constexpr std::uint32_t InForceOffset = 0x10000;
 
-constexpr std::uint8_t modeAutomatic = 0x02;
-constexpr std::uint8_t modeManual = 0x03;
-constexpr std::uint8_t stateNight = 0x02;
-constexpr std::uint8_t stateDay = 0x03;
+constexpr std::uint8_t ModeAutomatic = 0x02;
+constexpr std::uint8_t ModeManual = 0x03;
+constexpr std::uint8_t StateNight = 0x02;
+constexpr std::uint8_t StateDay = 0x03;
 
 /// Compares what has come with the fixed beginning of a frame, as far as both reach.
-bool startsLike(Bytes p_Bytes, Bytes p_Start) {
-    const std::size_t nCommon = std::min(p_Bytes.size(), p_Start.size());
-    return std::equal(p_Start.begin(), p_Start.begin() + static_cast<std::ptrdiff_t>(nCommon), p_Bytes.begin());
+bool startsLike(Bytes bytes, Bytes start) {
+    const std::size_t common = std::min(bytes.size(), start.size());
+    return std::equal(start.begin(), start.begin() + static_cast<std::ptrdiff_t>(common), bytes.begin());
 }
 
 /// The sum byte stands before the terminator and covers everything between it and the header.
-bool sumIsRight(Bytes p_Frame) {
-    const Bytes summed = p_Frame.subspan(1, p_Frame.size() - 3);
-    return static_cast<std::uint8_t>(std::accumulate(summed.begin(), summed.end(), 0U)) == p_Frame[p_Frame.size() - 2];
+bool sumIsRight(Bytes frame) {
+    const Bytes summed = frame.subspan(1, frame.size() - 3);
+    return static_cast<std::uint8_t>(std::accumulate(summed.begin(), summed.end(), 0U)) == frame[frame.size() - 2];
 }
 
-bool isPrivateRestart(Bytes p_Frame) { return p_Frame[0] == privateHeader && p_Frame[1] == 0x05; }
+bool isPrivateRestart(Bytes frame) { return frame[0] == PrivateHeader && frame[1] == 0x05; }
 
-std::uint32_t valueOf(Bytes p_Payload) {
-    if (p_Payload.size() == 1) {
-        return p_Payload[0];
+std::uint32_t valueOf(Bytes payload) {
+    if (payload.size() == 1) {
+        return payload[0];
     }
-    std::uint32_t nValue = 0;
-    for (const std::uint8_t nNibble : p_Payload) {
-        nValue = nValue << 4 | (nNibble & 0x0fU);
+    std::uint32_t value = 0;
+    for (const std::uint8_t nibble : payload) {
+        value = value << 4 | (nibble & 0x0fU);
     }
-    return nValue;
+    return value;
 }
 
-bool nibblesOnly(Bytes p_Payload) {
-    return p_Payload.size() == 1 ||
-           std::all_of(p_Payload.begin(), p_Payload.end(), [](std::uint8_t b) { return b < 0x10; });
+bool nibblesOnly(Bytes payload) {
+    return payload.size() == 1 || std::all_of(payload.begin(), payload.end(), [](std::uint8_t b) { return b < 0x10; });
 }
 
-std::string hex(std::uint32_t p_nValue, int p_nDigits = 2) {
+std::string hex(std::uint32_t value, int digits = 2) {
     std::array<char, 12> text{};
-    std::snprintf(text.data(), text.size(), "%0*X", p_nDigits, p_nValue);
+    std::snprintf(text.data(), text.size(), "%0*X", digits, value);
     return text.data();
 }
 
 } // namespace
 
-ViscaBlock::ViscaBlock(const ViscaModel& p_Model, const BlockSettings& p_Settings)
-    : CameraBlock(p_Settings), m_Model(p_Model), m_Values(p_Model.registers.size()),
-      m_InForce(p_Model.registers.size()) {
+ViscaBlock::ViscaBlock(const ViscaModel& model, const BlockSettings& settings)
+    : CameraBlock(settings), m_Model(model), m_Values(model.registers.size()), m_InForce(model.registers.size()) {
     ViscaBlock::resetRegisters(true);
 }
 
-std::size_t ViscaBlock::checkByteIndex(Bytes p_Reply) const {
+std::size_t ViscaBlock::checkByteIndex(Bytes reply) const {
     // No reply of the family carries a sum; the byte before the terminator is the one a host tells replies apart by.
-    return p_Reply.size() >= 2 ? p_Reply.size() - 2 : 0;
+    return reply.size() >= 2 ? reply.size() - 2 : 0;
 }
 
-std::size_t ViscaBlock::indexOf(std::uint32_t p_nCode) const {
+std::size_t ViscaBlock::indexOf(std::uint32_t code) const {
     const auto it = std::find_if(m_Model.registers.begin(), m_Model.registers.end(),
-                                 [p_nCode](const ViscaRegister& row) { return row.code == p_nCode; });
+                                 [code](const ViscaRegister& row) { return row.code == code; });
     return static_cast<std::size_t>(it - m_Model.registers.begin());
 }
 
-std::size_t ViscaBlock::indexOfCommand(Bytes p_Payload, std::size_t& p_nCodeLength) const {
-    p_nCodeLength = 1;
-    std::size_t nIndex = p_Payload.empty() ? m_Values.size() : indexOf(p_Payload[0]);
-    if (nIndex == m_Values.size() && p_Payload.size() >= 2 && p_Payload[0] != privateHeader) {
-        p_nCodeLength = 2;
-        nIndex = indexOf(static_cast<std::uint32_t>(p_Payload[0]) << 8 | p_Payload[1]);
+std::size_t ViscaBlock::indexOfCommand(Bytes payload, std::size_t& codeLength) const {
+    codeLength = 1;
+    std::size_t index = payload.empty() ? m_Values.size() : indexOf(payload[0]);
+    if (index == m_Values.size() && payload.size() >= 2 && payload[0] != PrivateHeader) {
+        codeLength = 2;
+        index = indexOf(static_cast<std::uint32_t>(payload[0]) << 8 | payload[1]);
     }
-    return nIndex;
+    return index;
 }
 
-std::optional<std::uint32_t> ViscaBlock::registerValue(std::uint32_t p_nAddress) const {
-    if (const std::size_t nIndex = indexOf(p_nAddress); nIndex < m_Values.size()) {
-        return m_Values[nIndex];
+std::optional<std::uint32_t> ViscaBlock::registerValue(std::uint32_t address) const {
+    if (const std::size_t index = indexOf(address); index < m_Values.size()) {
+        return m_Values[index];
     }
-    if (const std::size_t nIndex = indexOf(p_nAddress - inForceOffset);
-        nIndex < m_Values.size() && m_Model.registers[nIndex].atRestart) {
-        return m_InForce[nIndex];
+    if (const std::size_t index = indexOf(address - InForceOffset);
+        index < m_Values.size() && m_Model.registers[index].atRestart) {
+        return m_InForce[index];
     }
-    if (m_Model.hasMaskUnit && p_nAddress >= maskRegister && p_nAddress <= maskRegister + 0xff) {
-        const int nRegion = static_cast<int>(p_nAddress - maskRegister);
-        return nRegion == 0 ? static_cast<std::uint32_t>(m_Masks.currentRegion()) : m_Masks.packed(nRegion);
+    if (m_Model.hasMaskUnit && address >= MaskRegister && address <= MaskRegister + 0xff) {
+        const int region = static_cast<int>(address - MaskRegister);
+        return region == 0 ? static_cast<std::uint32_t>(m_Masks.currentRegion()) : m_Masks.packed(region);
     }
     return std::nullopt;
 }
 
-bool ViscaBlock::setRegister(std::uint32_t p_nAddress, std::uint32_t p_nValue) {
-    if (const std::size_t nIndex = indexOf(p_nAddress); nIndex < m_Values.size()) {
-        store(nIndex, p_nValue);
+bool ViscaBlock::setRegister(std::uint32_t address, std::uint32_t value) {
+    if (const std::size_t index = indexOf(address); index < m_Values.size()) {
+        store(index, value);
         return true;
     }
-    if (const std::size_t nIndex = indexOf(p_nAddress - inForceOffset);
-        nIndex < m_Values.size() && m_Model.registers[nIndex].atRestart) {
-        m_InForce[nIndex] = p_nValue;
+    if (const std::size_t index = indexOf(address - InForceOffset);
+        index < m_Values.size() && m_Model.registers[index].atRestart) {
+        m_InForce[index] = value;
         return true;
     }
-    if (m_Model.hasMaskUnit && p_nAddress >= maskRegister && p_nAddress <= maskRegister + 0xff) {
-        const int nRegion = static_cast<int>(p_nAddress - maskRegister);
-        if (nRegion == 0) {
-            m_Masks.setCurrentRegion(static_cast<int>(p_nValue & 0xffU));
+    if (m_Model.hasMaskUnit && address >= MaskRegister && address <= MaskRegister + 0xff) {
+        const int region = static_cast<int>(address - MaskRegister);
+        if (region == 0) {
+            m_Masks.setCurrentRegion(static_cast<int>(value & 0xffU));
         } else {
-            m_Masks.setPacked(nRegion, p_nValue);
+            m_Masks.setPacked(region, value);
         }
         return true;
     }
@@ -151,15 +149,15 @@ std::vector<RegisterState> ViscaBlock::registers() const {
         states.push_back({row.code, std::string(row.name), m_Values[i], row.persistent});
         if (row.atRestart) {
             states.push_back(
-                {row.code + inForceOffset, std::string(row.name) + " in force", m_InForce[i], row.persistent});
+                {row.code + InForceOffset, std::string(row.name) + " in force", m_InForce[i], row.persistent});
         }
     }
     if (m_Model.hasMaskUnit) {
-        states.push_back({maskRegister, "mask region", static_cast<std::uint32_t>(m_Masks.currentRegion()), true});
-        for (int nRegion = 1; nRegion <= 0xff; ++nRegion) {
-            if (m_Masks.region(nRegion).set) {
-                states.push_back({maskRegister + static_cast<std::uint32_t>(nRegion), "mask " + std::to_string(nRegion),
-                                  m_Masks.packed(nRegion), true});
+        states.push_back({MaskRegister, "mask region", static_cast<std::uint32_t>(m_Masks.currentRegion()), true});
+        for (int region = 1; region <= 0xff; ++region) {
+            if (m_Masks.region(region).set) {
+                states.push_back({MaskRegister + static_cast<std::uint32_t>(region), "mask " + std::to_string(region),
+                                  m_Masks.packed(region), true});
             }
         }
     }
@@ -168,130 +166,127 @@ std::vector<RegisterState> ViscaBlock::registers() const {
     return states;
 }
 
-std::string ViscaBlock::valueText(const ViscaRegister& p_Register, std::uint32_t p_nValue) const {
-    for (const ViscaWord& word : p_Register.words) {
-        if (word.value == p_nValue) {
+std::string ViscaBlock::valueText(const ViscaRegister& row, std::uint32_t value) const {
+    for (const ViscaWord& word : row.words) {
+        if (word.value == value) {
             return std::string(word.text);
         }
     }
-    return hex(p_nValue);
+    return hex(value);
 }
 
-std::string ViscaBlock::describe(Bytes p_Frame) const {
-    if (p_Frame.size() == panTiltStop.size() && std::equal(p_Frame.begin(), p_Frame.end(), panTiltStop.begin())) {
+std::string ViscaBlock::describe(Bytes frame) const {
+    if (frame.size() == PanTiltStop.size() && std::equal(frame.begin(), frame.end(), PanTiltStop.begin())) {
         return "pan/tilt stop";
     }
-    if (p_Frame.size() == MaskUnit::frameLength && p_Frame[0] == maskHeader) {
-        return MaskUnit::describe(p_Frame);
+    if (frame.size() == MaskUnit::FrameLength && frame[0] == MaskHeader) {
+        return MaskUnit::describe(frame);
     }
-    if (p_Frame.size() >= 7 && p_Frame[0] == privateHeader) {
-        const std::string strSum = sumIsRight(p_Frame) ? "" : " (wrong checksum)";
-        if (isPrivateRestart(p_Frame)) {
-            return "restart" + strSum;
+    if (frame.size() >= 7 && frame[0] == PrivateHeader) {
+        const std::string sum = sumIsRight(frame) ? "" : " (wrong checksum)";
+        if (isPrivateRestart(frame)) {
+            return "restart" + sum;
         }
-        const std::size_t nIndex = indexOf(privateDayNightRegister | p_Frame[4]);
-        if (nIndex == m_Values.size()) {
-            return "infrared board: unknown selector " + hex(p_Frame[4]) + strSum;
+        const std::size_t index = indexOf(PrivateDayNightRegister | frame[4]);
+        if (index == m_Values.size()) {
+            return "infrared board: unknown selector " + hex(frame[4]) + sum;
         }
-        const ViscaRegister& row = m_Model.registers[nIndex];
-        return std::string(row.name) + ' ' + valueText(row, p_Frame[5]) + strSum;
+        const ViscaRegister& row = m_Model.registers[index];
+        return std::string(row.name) + ' ' + valueText(row, frame[5]) + sum;
     }
-    if (p_Frame.size() < 5 || p_Frame[0] != commandHeader || p_Frame[2] != 0x04 ||
-        (p_Frame[1] != 0x01 && p_Frame[1] != 0x09)) {
+    if (frame.size() < 5 || frame[0] != CommandHeader || frame[2] != 0x04 || (frame[1] != 0x01 && frame[1] != 0x09)) {
         return "unknown frame";
     }
-    const Bytes payload = p_Frame.subspan(3, p_Frame.size() - 4);
-    std::size_t nCodeLength = 0;
-    const std::size_t nIndex = indexOfCommand(payload, nCodeLength);
-    if (p_Frame[1] == 0x09) {
-        if (payload[0] == versionRegister) {
+    const Bytes payload = frame.subspan(3, frame.size() - 4);
+    std::size_t codeLength = 0;
+    const std::size_t index = indexOfCommand(payload, codeLength);
+    if (frame[1] == 0x09) {
+        if (payload[0] == VersionRegister) {
             return "inquiry version";
         }
-        return nIndex < m_Values.size() ? "inquiry " + std::string(m_Model.registers[nIndex].name)
-                                        : "inquiry of unknown register " + hex(payload[0]);
+        return index < m_Values.size() ? "inquiry " + std::string(m_Model.registers[index].name)
+                                       : "inquiry of unknown register " + hex(payload[0]);
     }
     for (const ViscaStep& step : m_Model.steps) {
         if (payload.size() == 2 && payload[0] == step.code && payload[1] == step.value) {
             return std::string(step.name);
         }
     }
-    if (nIndex == m_Values.size()) {
+    if (index == m_Values.size()) {
         return "unknown register " + hex(payload[0]);
     }
-    const ViscaRegister& row = m_Model.registers[nIndex];
-    const Bytes value = payload.subspan(nCodeLength);
+    const ViscaRegister& row = m_Model.registers[index];
+    const Bytes value = payload.subspan(codeLength);
     if (value.size() != row.payload) {
         return std::string(row.name) + " with a wrong length";
     }
     return std::string(row.name) + ' ' + valueText(row, valueOf(value));
 }
 
-CameraBlock::Cut ViscaBlock::cut(Bytes p_Bytes) const {
-    constexpr Cut unfinished{Cut::Kind::unfinished, 0};
-    constexpr Cut garbage{Cut::Kind::garbage, 1};
-    static constexpr std::array<std::uint8_t, 4> privateStart{privateHeader, 0x01, 0x1e, 0x02};
-    static constexpr std::array<std::uint8_t, 5> restartStart{privateHeader, 0x05, 0x03, 0x01, 0x01};
-    const auto fixed = [&](std::size_t nLength) {
-        if (p_Bytes.size() < nLength) {
-            return unfinished;
+CameraBlock::Cut ViscaBlock::cut(Bytes bytes) const {
+    constexpr Cut Unfinished{Cut::Kind::Unfinished, 0};
+    constexpr Cut Garbage{Cut::Kind::Garbage, 1};
+    static constexpr std::array<std::uint8_t, 4> PrivateStart{PrivateHeader, 0x01, 0x1e, 0x02};
+    static constexpr std::array<std::uint8_t, 5> RestartStart{PrivateHeader, 0x05, 0x03, 0x01, 0x01};
+    const auto fixed = [&](std::size_t length) {
+        if (bytes.size() < length) {
+            return Unfinished;
         }
-        return p_Bytes[nLength - 1] == terminator ? Cut{Cut::Kind::frame, nLength} : garbage;
+        return bytes[length - 1] == Terminator ? Cut{Cut::Kind::Frame, length} : Garbage;
     };
 
-    switch (p_Bytes[0]) {
-    case commandHeader:
-        for (std::size_t i = 1; i < std::min(p_Bytes.size(), longestCommand); ++i) {
-            if (p_Bytes[i] == terminator) {
-                return {Cut::Kind::frame, i + 1};
+    switch (bytes[0]) {
+    case CommandHeader:
+        for (std::size_t i = 1; i < std::min(bytes.size(), LongestCommand); ++i) {
+            if (bytes[i] == Terminator) {
+                return {Cut::Kind::Frame, i + 1};
             }
-            if (p_Bytes[i] == commandHeader) {
-                return {Cut::Kind::garbage, i};
+            if (bytes[i] == CommandHeader) {
+                return {Cut::Kind::Garbage, i};
             }
         }
-        return p_Bytes.size() < longestCommand ? unfinished : garbage;
-    case privateHeader:
-        if (startsLike(p_Bytes, privateStart)) {
+        return bytes.size() < LongestCommand ? Unfinished : Garbage;
+    case PrivateHeader:
+        if (startsLike(bytes, PrivateStart)) {
             return fixed(8);
         }
-        return m_Model.hasPrivateRestart && startsLike(p_Bytes, restartStart) ? fixed(7) : garbage;
-    case maskHeader:
-        return m_Model.hasMaskUnit ? fixed(MaskUnit::frameLength) : garbage;
+        return m_Model.hasPrivateRestart && startsLike(bytes, RestartStart) ? fixed(7) : Garbage;
+    case MaskHeader:
+        return m_Model.hasMaskUnit ? fixed(MaskUnit::FrameLength) : Garbage;
     default: {
-        const std::size_t nCommon = std::min(p_Bytes.size(), panTiltStop.size());
-        if (!std::equal(p_Bytes.begin(), p_Bytes.begin() + static_cast<std::ptrdiff_t>(nCommon), panTiltStop.begin())) {
-            return garbage;
+        const std::size_t common = std::min(bytes.size(), PanTiltStop.size());
+        if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(common), PanTiltStop.begin())) {
+            return Garbage;
         }
-        return nCommon < panTiltStop.size() ? unfinished : Cut{Cut::Kind::frame, nCommon};
+        return common < PanTiltStop.size() ? Unfinished : Cut{Cut::Kind::Frame, common};
     }
     }
 }
 
-void ViscaBlock::executeFrame(Bytes p_Frame, std::int64_t p_nNow) {
-    switch (p_Frame[0]) {
-    case commandHeader:
-        if (p_Frame.size() < 5 || p_Frame[2] != 0x04) {
-            answer(Outcome::syntaxError);
-        } else if (p_Frame[1] == 0x01) {
-            answer(command(p_Frame.subspan(3, p_Frame.size() - 4)));
-        } else if (p_Frame[1] == 0x09) {
-            inquire(p_Frame.subspan(3, p_Frame.size() - 4));
+void ViscaBlock::executeFrame(Bytes frame, std::int64_t now) {
+    switch (frame[0]) {
+    case CommandHeader:
+        if (frame.size() >= 5 && frame[1] == 0x01 && frame[2] == 0x04) {
+            answer(command(frame.subspan(3, frame.size() - 4)));
+        } else if (frame.size() >= 5 && frame[1] == 0x09 && frame[2] == 0x04) {
+            inquire(frame.subspan(3, frame.size() - 4));
         } else {
-            answer(Outcome::syntaxError);
+            answer(Outcome::SyntaxError);
         }
         break;
-    case privateHeader:
-        if (!sumIsRight(p_Frame)) {
+    case PrivateHeader:
+        if (!sumIsRight(frame)) {
             break;
         }
-        if (isPrivateRestart(p_Frame)) {
-            reboot(p_nNow, false);
+        if (isPrivateRestart(frame)) {
+            reboot(now, false);
         } else {
-            answer(privateCommand(p_Frame) ? Outcome::done : Outcome::notExecutable);
+            answer(privateCommand(frame) ? Outcome::Done : Outcome::NotExecutable);
         }
         break;
-    case maskHeader:
-        if (m_Masks.execute(p_Frame)) {
-            reply(p_Frame);
+    case MaskHeader:
+        if (m_Masks.execute(frame)) {
+            reply(frame);
         }
         break;
     default:
@@ -299,161 +294,161 @@ void ViscaBlock::executeFrame(Bytes p_Frame, std::int64_t p_nNow) {
     }
 }
 
-void ViscaBlock::refuseFrame(Bytes p_Frame) {
-    if (p_Frame[0] == commandHeader || (p_Frame[0] == privateHeader && !isPrivateRestart(p_Frame))) {
-        answer(Outcome::notExecutable);
+void ViscaBlock::refuseFrame(Bytes frame) {
+    if (frame[0] == CommandHeader || (frame[0] == PrivateHeader && !isPrivateRestart(frame))) {
+        answer(Outcome::NotExecutable);
     }
 }
 
-ViscaBlock::Outcome ViscaBlock::command(Bytes p_Payload) {
+ViscaBlock::Outcome ViscaBlock::command(Bytes payload) {
     for (const ViscaStep& step : m_Model.steps) {
-        if (p_Payload[0] != step.code) {
+        if (payload[0] != step.code) {
             continue;
         }
-        if (p_Payload.size() != 2) {
-            return Outcome::syntaxError;
+        if (payload.size() != 2) {
+            return Outcome::SyntaxError;
         }
-        if (p_Payload[1] == step.value) {
-            const std::size_t nIndex = indexOf(step.target);
-            const ViscaRegister& row = m_Model.registers[nIndex];
-            const std::int64_t nMoved = step.delta == 0 ? step.position : std::int64_t{m_Values[nIndex]} + step.delta;
-            store(nIndex, static_cast<std::uint32_t>(std::clamp<std::int64_t>(nMoved, row.first, row.last)));
-            return Outcome::done;
+        if (payload[1] == step.value) {
+            const std::size_t index = indexOf(step.target);
+            const ViscaRegister& row = m_Model.registers[index];
+            const std::int64_t moved = step.delta == 0 ? step.position : std::int64_t{m_Values[index]} + step.delta;
+            store(index, static_cast<std::uint32_t>(std::clamp<std::int64_t>(moved, row.first, row.last)));
+            return Outcome::Done;
         }
     }
-    std::size_t nCodeLength = 0;
-    const std::size_t nIndex = indexOfCommand(p_Payload, nCodeLength);
-    if (nIndex == m_Values.size()) {
-        return Outcome::notExecutable;
+    std::size_t codeLength = 0;
+    const std::size_t index = indexOfCommand(payload, codeLength);
+    if (index == m_Values.size()) {
+        return Outcome::NotExecutable;
     }
-    const ViscaRegister& row = m_Model.registers[nIndex];
-    const Bytes payload = p_Payload.subspan(nCodeLength);
+    const ViscaRegister& row = m_Model.registers[index];
+    const Bytes valueBytes = payload.subspan(codeLength);
     if (row.readOnly) {
-        return Outcome::notExecutable;
+        return Outcome::NotExecutable;
     }
-    if (payload.size() != row.payload || !nibblesOnly(payload)) {
-        return Outcome::syntaxError;
+    if (valueBytes.size() != row.payload || !nibblesOnly(valueBytes)) {
+        return Outcome::SyntaxError;
     }
-    const std::uint32_t nValue = valueOf(payload);
-    const bool bAccepted = row.listed.empty()
-                               ? nValue >= row.first && nValue <= row.last
-                               : std::find(row.listed.begin(), row.listed.end(), nValue) != row.listed.end();
-    if (!bAccepted) {
-        return Outcome::syntaxError;
+    const std::uint32_t value = valueOf(valueBytes);
+    const bool accepted = row.listed.empty()
+                              ? value >= row.first && value <= row.last
+                              : std::find(row.listed.begin(), row.listed.end(), value) != row.listed.end();
+    if (!accepted) {
+        return Outcome::SyntaxError;
     }
-    store(nIndex, nValue);
-    return Outcome::done;
+    store(index, value);
+    return Outcome::Done;
 }
 
-void ViscaBlock::inquire(Bytes p_Payload) {
-    std::array<std::uint8_t, longestCommand> answerBytes{0x90, 0x50};
-    std::size_t nLength = 2;
-    std::size_t nCodeLength = 0;
-    if (p_Payload.size() == 1 && p_Payload[0] == versionRegister) {
-        for (const std::uint8_t nByte : m_Model.version) {
-            answerBytes[nLength++] = nByte;
+void ViscaBlock::inquire(Bytes payload) {
+    std::array<std::uint8_t, LongestCommand> answerBytes{0x90, 0x50};
+    std::size_t length = 2;
+    std::size_t codeLength = 0;
+    if (payload.size() == 1 && payload[0] == VersionRegister) {
+        for (const std::uint8_t byte : m_Model.version) {
+            answerBytes[length++] = byte;
         }
     } else {
-        const std::size_t nIndex = indexOfCommand(p_Payload, nCodeLength);
-        if (nIndex == m_Values.size()) {
-            answer(Outcome::notExecutable);
+        const std::size_t index = indexOfCommand(payload, codeLength);
+        if (index == m_Values.size()) {
+            answer(Outcome::NotExecutable);
             return;
         }
-        if (p_Payload.size() != nCodeLength) {
-            answer(Outcome::syntaxError);
+        if (payload.size() != codeLength) {
+            answer(Outcome::SyntaxError);
             return;
         }
-        const ViscaRegister& row = m_Model.registers[nIndex];
+        const ViscaRegister& row = m_Model.registers[index];
         if (row.payload == 1) {
-            answerBytes[nLength++] = static_cast<std::uint8_t>(m_Values[nIndex]);
+            answerBytes[length++] = static_cast<std::uint8_t>(m_Values[index]);
         } else {
-            for (unsigned nNibble = row.payload; nNibble > 0; --nNibble) {
-                answerBytes[nLength++] = static_cast<std::uint8_t>(m_Values[nIndex] >> (4 * (nNibble - 1)) & 0x0fU);
+            for (unsigned nibble = row.payload; nibble > 0; --nibble) {
+                answerBytes[length++] = static_cast<std::uint8_t>(m_Values[index] >> (4 * (nibble - 1)) & 0x0fU);
             }
         }
     }
-    answerBytes[nLength++] = terminator;
-    reply(Bytes(answerBytes).first(nLength));
+    answerBytes[length++] = Terminator;
+    reply(Bytes(answerBytes).first(length));
 }
 
-bool ViscaBlock::privateCommand(Bytes p_Frame) {
-    const std::size_t nIndex = indexOf(privateDayNightRegister | p_Frame[4]);
-    if (nIndex == m_Values.size() || p_Frame[5] < m_Model.registers[nIndex].first ||
-        p_Frame[5] > m_Model.registers[nIndex].last) {
+bool ViscaBlock::privateCommand(Bytes frame) {
+    const std::size_t index = indexOf(PrivateDayNightRegister | frame[4]);
+    if (index == m_Values.size() || frame[5] < m_Model.registers[index].first ||
+        frame[5] > m_Model.registers[index].last) {
         return false;
     }
-    store(nIndex, p_Frame[5]);
+    store(index, frame[5]);
     return true;
 }
 
-void ViscaBlock::store(std::size_t p_nIndex, std::uint32_t p_nValue) {
-    m_Values[p_nIndex] = p_nValue;
-    const std::uint32_t nCode = m_Model.registers[p_nIndex].code;
-    const std::size_t nState = indexOf(dayNightRegister);
-    const std::size_t nMode = indexOf(dayNightModeRegister);
-    const std::size_t nPrivate = indexOf(privateDayNightRegister);
-    if (nState == m_Values.size() || nMode == m_Values.size() || nPrivate == m_Values.size()) {
+void ViscaBlock::store(std::size_t index, std::uint32_t value) {
+    m_Values[index] = value;
+    const std::uint32_t code = m_Model.registers[index].code;
+    const std::size_t state = indexOf(DayNightRegister);
+    const std::size_t mode = indexOf(DayNightModeRegister);
+    const std::size_t privateState = indexOf(PrivateDayNightRegister);
+    if (state == m_Values.size() || mode == m_Values.size() || privateState == m_Values.size()) {
         return;
     }
-    if (nCode == privateDayNightRegister) {
-        m_Values[nMode] = p_nValue == 0 ? modeAutomatic : modeManual;
-        if (p_nValue != 0) {
-            m_Values[nState] = p_nValue == 1 ? stateNight : stateDay;
+    if (code == PrivateDayNightRegister) {
+        m_Values[mode] = value == 0 ? ModeAutomatic : ModeManual;
+        if (value != 0) {
+            m_Values[state] = value == 1 ? StateNight : StateDay;
         }
-    } else if (nCode == dayNightRegister || nCode == dayNightModeRegister) {
-        m_Values[nPrivate] = m_Values[nMode] == modeAutomatic ? 0 : m_Values[nState] == stateNight ? 1 : 2;
+    } else if (code == DayNightRegister || code == DayNightModeRegister) {
+        m_Values[privateState] = m_Values[mode] == ModeAutomatic ? 0 : m_Values[state] == StateNight ? 1 : 2;
     } else {
         return;
     }
     // A state written in automatic mode stands until the light or the mode changes: some hosts write it just before
     // they switch to manual.
-    if (nCode != dayNightRegister) {
+    if (code != DayNightRegister) {
         ambientChanged();
     }
 }
 
-void ViscaBlock::answer(Outcome p_Outcome) {
-    static constexpr std::array<std::uint8_t, 3> acknowledged{0x90, 0x41, terminator};
-    static constexpr std::array<std::uint8_t, 3> completed{0x90, 0x51, terminator};
-    static constexpr std::array<std::uint8_t, 4> malformed{0x90, 0x60, 0x02, terminator};
-    static constexpr std::array<std::uint8_t, 4> refused{0x90, 0x61, 0x41, terminator};
-    switch (p_Outcome) {
-    case Outcome::syntaxError:
-        reply(malformed);
+void ViscaBlock::answer(Outcome outcome) {
+    static constexpr std::array<std::uint8_t, 3> Acknowledged{0x90, 0x41, Terminator};
+    static constexpr std::array<std::uint8_t, 3> Completed{0x90, 0x51, Terminator};
+    static constexpr std::array<std::uint8_t, 4> Malformed{0x90, 0x60, 0x02, Terminator};
+    static constexpr std::array<std::uint8_t, 4> Refused{0x90, 0x61, 0x41, Terminator};
+    switch (outcome) {
+    case Outcome::SyntaxError:
+        reply(Malformed);
         break;
-    case Outcome::notExecutable:
-        reply(refused);
+    case Outcome::NotExecutable:
+        reply(Refused);
         break;
-    case Outcome::done:
-        if (settings().habit != ReplyHabit::complete) {
-            reply(acknowledged);
+    case Outcome::Done:
+        if (settings().habit != ReplyHabit::Complete) {
+            reply(Acknowledged);
         }
-        if (settings().habit != ReplyHabit::acknowledge) {
-            reply(completed, settings().completionDelay);
+        if (settings().habit != ReplyHabit::Acknowledge) {
+            reply(Completed, settings().completionDelay);
         }
         break;
     }
 }
 
-void ViscaBlock::resetRegisters(bool p_bLoseState) {
+void ViscaBlock::resetRegisters(bool loseState) {
     for (std::size_t i = 0; i < m_Values.size(); ++i) {
         const ViscaRegister& row = m_Model.registers[i];
-        if (p_bLoseState || !row.persistent) {
+        if (loseState || !row.persistent) {
             m_Values[i] = row.factory;
         }
         m_InForce[i] = m_Values[i];
     }
-    if (p_bLoseState) {
+    if (loseState) {
         m_Masks.clear();
     }
     ambientChanged();
 }
 
 void ViscaBlock::ambientChanged() {
-    const std::size_t nState = indexOf(dayNightRegister);
-    const std::size_t nMode = indexOf(dayNightModeRegister);
-    if (nState < m_Values.size() && nMode < m_Values.size() && m_Values[nMode] == modeAutomatic) {
-        m_Values[nState] = ambient() == Ambient::dark ? stateNight : stateDay;
+    const std::size_t state = indexOf(DayNightRegister);
+    const std::size_t mode = indexOf(DayNightModeRegister);
+    if (state < m_Values.size() && mode < m_Values.size() && m_Values[mode] == ModeAutomatic) {
+        m_Values[state] = ambient() == Ambient::Dark ? StateNight : StateDay;
     }
 }
 

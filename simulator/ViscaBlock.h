@@ -69,35 +69,35 @@ public:
     using CameraBlock::registerValue;
 
     /// The model must outlive the block.
-    ViscaBlock(const ViscaModel& p_Model, const BlockSettings& p_Settings);
+    ViscaBlock(const ViscaModel& model, const BlockSettings& settings);
 
     std::string_view modelName() const override { return m_Model.name; }
-    std::size_t checkByteIndex(std::span<const std::uint8_t> p_Reply) const override;
-    std::optional<std::uint32_t> registerValue(std::uint32_t p_nAddress) const override;
-    bool setRegister(std::uint32_t p_nAddress, std::uint32_t p_nValue) override;
+    std::size_t checkByteIndex(std::span<const std::uint8_t> reply) const override;
+    std::optional<std::uint32_t> registerValue(std::uint32_t address) const override;
+    bool setRegister(std::uint32_t address, std::uint32_t value) override;
     std::vector<RegisterState> registers() const override;
-    std::string describe(std::span<const std::uint8_t> p_Frame) const override;
+    std::string describe(std::span<const std::uint8_t> frame) const override;
 
     const MaskUnit& masks() const { return m_Masks; }
 
 protected:
-    Cut cut(std::span<const std::uint8_t> p_Bytes) const override;
-    void executeFrame(std::span<const std::uint8_t> p_Frame, std::int64_t p_nNow) override;
-    void refuseFrame(std::span<const std::uint8_t> p_Frame) override;
-    void resetRegisters(bool p_bLoseState) override;
+    Cut cut(std::span<const std::uint8_t> bytes) const override;
+    void executeFrame(std::span<const std::uint8_t> frame, std::int64_t now) override;
+    void refuseFrame(std::span<const std::uint8_t> frame) override;
+    void resetRegisters(bool loseState) override;
     void ambientChanged() override;
 
 private:
-    enum class Outcome { done, syntaxError, notExecutable };
+    enum class Outcome { Done, SyntaxError, NotExecutable };
 
-    std::size_t indexOf(std::uint32_t p_nCode) const;
-    std::size_t indexOfCommand(std::span<const std::uint8_t> p_Payload, std::size_t& p_nCodeLength) const;
-    std::string valueText(const ViscaRegister& p_Register, std::uint32_t p_nValue) const;
-    Outcome command(std::span<const std::uint8_t> p_Payload);
-    void inquire(std::span<const std::uint8_t> p_Payload);
-    bool privateCommand(std::span<const std::uint8_t> p_Frame);
-    void store(std::size_t p_nIndex, std::uint32_t p_nValue);
-    void answer(Outcome p_Outcome);
+    std::size_t indexOf(std::uint32_t code) const;
+    std::size_t indexOfCommand(std::span<const std::uint8_t> payload, std::size_t& codeLength) const;
+    std::string valueText(const ViscaRegister& row, std::uint32_t value) const;
+    Outcome command(std::span<const std::uint8_t> payload);
+    void inquire(std::span<const std::uint8_t> payload);
+    bool privateCommand(std::span<const std::uint8_t> frame);
+    void store(std::size_t index, std::uint32_t value);
+    void answer(Outcome outcome);
 
     const ViscaModel& m_Model;
     std::vector<std::uint32_t> m_Values;

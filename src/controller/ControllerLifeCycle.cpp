@@ -1,30 +1,35 @@
 // How a controller is built, brought up and taken down, and the small services that drivers share.
 
-#include "controller/DevicePaths.h"
+#include "controller/ControllerRooms.h"
+#include "controller/DriverServices.h"
 #include "controller/HourMinute.h"
-#include "controller/ISensorController.h"
+#include "controller/ModelCatalogue.h"
+#include "controller/Recorder.h"
+#include "controller/SchemeParameters.h"
 #include "host/BRFile.h"
+#include "host/BreltoTime.h"
+#include "host/DevicePaths.h"
 #include "host/ImagingLibraries.h"
-#include "host/ModuleConfigure.h"
-#include "host/SystemHelper.h"
+#include "host/ScopedLock.h"
+#include "host/SensorParameterParser.h"
+#include "imaging/EE.h"
+#include "imaging/ISPParam.h"
 
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <string_view>
 
+using sensorhost::ScopedLock;
+
 namespace {
 
 using namespace sensorcontrol;
+using Log = ControllerObserver::Log;
 
 constexpr unsigned int LogSize = 10240;
 constexpr unsigned int LogCount = 3;
-constexpr int LogLineSize = 100;
 constexpr int DebugLineSize = 50;
-constexpr int ShellTimeLimit = 30; // seconds
-
-/// Sensor type of the module whose parameters nobody may touch: it never counts as initialised.
-constexpr int TypeWithoutParameters = 17;
 
 /// Stops the camera block's pan/tilt menu; sent without a terminator.
 constexpr std::string_view StopMenuCommand = "MENUON";
@@ -33,18 +38,27 @@ constexpr int DrainChunk = 20;
 /// More chunks than a terminal can hold back: what still comes then is a line that never falls silent.
 constexpr int MostDrainChunks = 256;
 
-void runShell(const std::string& command) { sy_system(command.c_str(), ShellTimeLimit); }
+/// How often a long wait of a start looks whether the start was cancelled.
+constexpr int LookMicroseconds = 50'000;
 
 } // namespace
+
+ISensorController::Rooms::Rooms(ISensorController& controller)
+    : c(controller), traits(traitsOf(controller.m_nSensorType)), journal(c.m_pErrorLog, c.m_pInitLog),
+      files(journal, *c.m_pFactoryConfigFile, *c.m_pEspecialConfigFile, c.m_ConfigFiles),
+      tuning({*c.m_pISPParam, *c.m_pEE, c.m_nLastA0, c.m_nLastTM, c.m_nLastDC, c.m_nLastEE, c.m_nTNFMode, c.m_nTNFValue,
+              c.m_bISPRealTimeUpdate, c.m_nISPDelayTime},
+             traits.edgesByTable, traits.edgesOffWithFilter) {}
 
 ISensorController::ISensorController(int sensorType)
     : m_pIdManager(std::make_unique<IdManager>()), m_pCurrentCache(std::make_unique<SensorCache>()),
       m_pLastCache(std::make_unique<SensorCache>()), m_pRecvBuffer(std::make_unique<char[]>(ReceiveBufferSize)),
       m_nSensorType(sensorType), m_pErrorLog(new SensorLog), m_pInitLog(new SensorLog),
       m_pFactoryConfigFile(std::make_unique<SensorConfigFile>(paths::FactoryFile)),
-      m_pEspecialConfigFile(std::make_unique<SensorConfigFile>(paths::EspecialFile)), m_pISPParam(createTuningTable()),
-      m_pEE(createEdgeEnhancement()) {
-    m_pIdManager->addParameterId(IdManager::Common, 500, 504);
+      m_pEspecialConfigFile(std::make_unique<SensorConfigFile>(paths::EspecialFile)),
+      m_pISPParam(std::make_unique<ISPParam>()), m_pEE(std::make_unique<EE>()),
+      m_pRooms(std::make_unique<Rooms>(*this)) {
+    m_pIdManager->addParameterId(IdManager::Common, scheme::FirstId, scheme::LastId);
 
     BRFile marker;
     if (marker.open(paths::DebugMarker, BRFile::Read)) {
@@ -63,6 +77,8 @@ ISensorController::~ISensorController() {
 }
 
 void ISensorController::stopDNChangeThread() {
+    // A pass under way leaves its work between two tries, frames or parameters; the thread class ends its waits.
+    m_pRooms->isStopping = true;
     if (m_DNChangeThread)
         m_DNChangeThread->stop();
     m_DNChangeThread.reset();
@@ -73,68 +89,142 @@ void ISensorController::setOperator(const SafePointer<IUARTController>& uart, co
     m_pGPIO = gpio;
 }
 
+void ISensorController::setObserver(ControllerObserver* observer) { m_pRooms->journal.setObserver(observer); }
+
 int ISensorController::init(int videoSystem, const ModuleConfigure& configure, const VideoResolution& resolution) {
+    m_pRooms->starter = std::this_thread::get_id();
+    m_pRooms->isStarting = true;
+    const int isUp = m_pRooms->bringUp(videoSystem, configure, resolution);
+    m_pRooms->isStarting = false;
+    m_pRooms->starter = std::thread::id();
+    return isUp;
+}
+
+int ISensorController::cancelStart() {
+    if (!m_pRooms->isStarting)
+        return 0;
+    m_pRooms->isCancelled = true;
+    return 1;
+}
+
+int ISensorController::Rooms::leaveStart() {
+    c.m_SensorStatus = NotInited;
+    c.m_BaseSensorStatus = NotInited;
+    c.ErrorPrintf("the start was cancelled");
+    return 0;
+}
+
+int ISensorController::Rooms::bringUp(int videoSystem, const ModuleConfigure& configure,
+                                      const VideoResolution& resolution) {
     if (DRV_init()) {
-        ErrorPrintf("DRV_init Failed!");
+        c.ErrorPrintf("DRV_init Failed!");
         return 0;
     }
     if (ALG_sysInit()) {
-        ErrorPrintf("ALG_sysInit Failed!");
+        c.ErrorPrintf("ALG_sysInit Failed!");
         DRV_exit();
         return 0;
     }
     if (brewfi_init()) {
-        ErrorPrintf("brewfi_init Failed!");
+        c.ErrorPrintf("brewfi_init Failed!");
         return 0;
     }
-    if (!m_pErrorLog->init(paths::ErrorLog, LogSize, LogCount))
+    if (!c.m_pErrorLog->init(paths::ErrorLog, LogSize, LogCount))
         std::printf("%s can not be written, errors go to the console only\n", paths::ErrorLog);
-    if (!m_pInitLog->init(paths::InitLog, LogSize, LogCount))
+    if (!c.m_pInitLog->init(paths::InitLog, LogSize, LogCount))
         std::printf("%s can not be written, start-up goes to the console only\n", paths::InitLog);
 
-    ISPParamThreadInit();
-    if (!initController(videoSystem, configure)) {
-        ErrorPrintf("initController failed");
+    c.ISPParamThreadInit();
+    enterStage(Stage::Port);
+    if (!c.initController(videoSystem, configure)) {
+        c.ErrorPrintf("initController failed");
         return 0;
     }
 
-    // From here on nothing fails the start: the camera comes up with what it has.
-    if (m_nInfrared == 2)
-        m_nInfrared = 1;
-    if (m_nSensorType != TypeWithoutParameters)
-        m_SensorStatus = InitSuccess;
-    if (!stopPTZ())
-        InitPrintf("stop PTZ @ISensorController::init failed");
-    if (!setSensorVideoSystem(videoSystem, resolution))
-        InitPrintf("init setSensorVideoSystem failed");
-    enterDayMode();
-    checkSensorConfigVersion();
-    m_BaseSensorStatus = InitSuccess;
-    initParamSchemeList();
-    if (!initConfigFile())
-        InitPrintf("initConfigFile failed");
+    // From here on nothing but the host fails the start: the camera comes up with what it has.
+    if (c.m_nInfrared == 2)
+        c.m_nInfrared = 1;
+    if (!traits.isParameterAccessClosed)
+        c.m_SensorStatus = InitSuccess;
+    if (!c.stopPTZ())
+        c.InitPrintf("stop PTZ @ISensorController::init failed");
+    enterStage(Stage::VideoSystem);
+    if (!c.setSensorVideoSystem(videoSystem, resolution))
+        c.InitPrintf("init setSensorVideoSystem failed");
+    if (isCancelled)
+        return leaveStart();
+    enterStage(Stage::DayMode);
+    c.enterDayMode();
+    if (isCancelled)
+        return leaveStart();
+    c.checkSensorConfigVersion();
+    c.m_BaseSensorStatus = InitSuccess;
+    c.initParamSchemeList();
+    if (!c.initConfigFile() && !isCancelled)
+        c.InitPrintf("initConfigFile failed");
+    if (!isCancelled)
+        applyStartValues();
+    if (isCancelled)
+        return leaveStart();
 
+    enterStage(Stage::Notification);
+    if (!c.NotifySensorInitComplate())
+        c.InitPrintf("NotifySensorInitComplate failed");
+    isDrainDue = true;
+    if (!c.m_DNChangeThread->start())
+        c.InitPrintf("m_DNChangeThread->start() failed");
+    c.m_bisInited = true;
+    if (OperationReport* report = recorder::report())
+        report->isUp = true;
+    const recorder::LogOnly success;
+    c.ErrorPrintf("ISensorController::initSensor  success\n");
+    enterStage(Stage::Up);
+    return 1;
+}
+
+void ISensorController::Rooms::applyStartValues() {
     // The values are the clock's, the choice stays as it was saved: in automatic mode the first pass of the thread
     // corrects it. So the span of the choice stays too, or the next flush would write another one's into its file.
     int scheme = 0;
     std::string text;
-    readCurrentParam(scheme, text);
-    if (scheme != m_nParamScheme) {
+    c.readCurrentParam(scheme, text);
+    if (scheme != c.m_nParamScheme) {
         if (scheme < 0)
-            InitPrintf("parameter scheme %d is chosen, no span is open: factory values", m_nParamScheme.load());
-        else if (m_nParamMode == 0)
-            InitPrintf("parameter scheme %d is chosen, the clock applies %d", m_nParamScheme.load(), scheme);
+            c.InitPrintf("parameter scheme %d is chosen, no span is open: factory values", c.m_nParamScheme.load());
+        else if (c.m_nParamMode == 0)
+            c.InitPrintf("parameter scheme %d is chosen, the clock applies %d", c.m_nParamScheme.load(), scheme);
         keepSpanInForce(scheme, text);
     }
-    if (!setParameters(text))
-        InitPrintf("setParameters failed");
-    if (!NotifySensorInitComplate())
-        InitPrintf("NotifySensorInitComplate failed");
-    if (!m_DNChangeThread->start())
-        InitPrintf("m_DNChangeThread->start() failed");
-    m_bisInited = true;
-    ErrorPrintf("ISensorController::initSensor  success\n");
-    return 1;
+    if (OperationReport* report = recorder::report())
+        report->source = scheme < 0 ? paths::FactoryFile : files.find(scheme)->getFilePath();
+    std::map<int, int> values;
+    SensorParameterParser::parseSensorParameter(text, values);
+    enterStage(Stage::Parameters, static_cast<int>(values.size()));
+    const int areTaken = c.setParameters(text);
+    const recorder::LogOnly parametersTellIt;
+    if (!areTaken && !isCancelled)
+        c.InitPrintf("setParameters failed");
+}
+
+void ISensorController::Rooms::enterStage(Stage next, int total) {
+    if (starter != std::this_thread::get_id())
+        return;
+    progress = {next, 0, total};
+    journal.progress(progress);
+}
+
+void ISensorController::Rooms::advance() {
+    if (starter != std::this_thread::get_id() || progress.total == 0)
+        return;
+    ++progress.done;
+    journal.progress(progress);
+}
+
+void ISensorController::Rooms::drainAfterStart() {
+    if (!isDrainDue.exchange(false) || c.m_pUARTController.isNull() || c.m_nUartHandle < 0)
+        return;
+    ScopedLock lock(c.m_UartMutex);
+    c.clearUartBuffer();
 }
 
 void ISensorController::setSensorConfigVersion(int version) {
@@ -154,113 +244,48 @@ void ISensorController::setSensorConfigVersion2(int version) {
 }
 
 int ISensorController::checkSensorConfigVersion() {
-    const std::string removeFactoryFile = std::string("rm ") + paths::FactoryFile;
-    if (!m_pFactoryConfigFile->isVersionEqual(m_nSensorConfigVersion)) {
-        std::puts("sensor configure version 1 changed delete configure files ");
-        runShell(removeFactoryFile);
-        runShell(std::string("rm ") + paths::OldParameterFile);
-    } else if (!m_pFactoryConfigFile->isVersion2Equal(m_nSensorConfigVersion2)) {
-        std::puts("sensor configure version 2 changed delete configure files ");
-        runShell(removeFactoryFile);
-    }
+    ScopedLock lock(m_ParamMutex);
+    m_pRooms->files.removeOutdated(m_nSensorConfigVersion, m_nSensorConfigVersion2);
     return 1;
 }
 
 int ISensorController::initConfigFile() {
-    if (hasSchemeChoice())
-        readSchemeChoice();
+    ScopedLock lock(m_ParamMutex);
+    if (m_pRooms->choice.isThere())
+        m_pRooms->readSchemeChoice();
     else
         createSensorXML();
 
-    std::string all;
-    if (!m_pFactoryConfigFile->isExist()) {
-        if (!initFactorySetting()) {
-            ErrorPrintf("initFactorySetting failed");
-            return 0;
-        }
-        if (!getAllParametersFromSensor(all)) {
-            ErrorPrintf("1getParametersFromSensor() failed");
-            return 0;
-        }
-        if (m_pFactoryConfigFile->saveParametersToFile(all))
-            std::printf("create(%s) success\n", paths::FactoryFile);
-        else
-            InitPrintf("create(%s) failed", paths::FactoryFile);
-    } else {
-        if (!getAllParametersFromSensor(all)) {
-            ErrorPrintf("2getParametersFromSensor() failed");
-            return 0;
-        }
-        alignFile(*m_pFactoryConfigFile, all);
-    }
-    return initSchemeFiles(all);
-}
-
-int ISensorController::initSchemeFiles(const std::string& all) {
-    if (m_ConfigFiles.empty())
+    SchemeFiles& files = m_pRooms->files;
+    const bool isFirstStart = !files.hasFactoryFile();
+    if (isFirstStart && !initFactorySetting()) {
+        ErrorPrintf("initFactorySetting failed");
         return 0;
-
-    SensorConfigFile& first = *m_ConfigFiles.front();
-    if (first.isExist()) {
-        std::puts("sensor1.cfg has exit");
-        alignFile(first, all);
-    } else {
-        std::puts("sensor1.cfg has not exit");
-        if (BRFile::isExist(paths::OldParameterFile)) {
-            std::printf("%s exit\n", paths::OldParameterFile);
-            const std::string command = std::string("mv ") + paths::OldParameterFile + " " + first.getFilePath();
-            runShell(command);
-            std::puts(command.c_str());
-            std::printf("strAllParameters=%s\n", all.c_str());
-            alignFile(first, all);
-        } else {
-            std::printf("%s not exit\n", paths::OldParameterFile);
-            copyFactoryFile(first.getFilePath());
-        }
     }
-
-    for (std::size_t i = 1; i < m_ConfigFiles.size(); ++i) {
-        SensorConfigFile& file = *m_ConfigFiles[i];
-        std::map<int, int> stored;
-        const bool isEmpty = file.readParametersFromFile(stored) && stored.empty();
-        if (!file.isExist() || isEmpty)
-            createDisabledScheme(file);
-        alignFile(file, all);
+    std::string all;
+    if (!getAllParametersFromSensor(all)) {
+        ErrorPrintf("%dgetParametersFromSensor() failed", isFirstStart ? 1 : 2);
+        return 0;
     }
-    loadSchemes();
+    m_pRooms->enterStage(Rooms::Stage::Files);
+    if (isFirstStart)
+        files.createFactoryFile(all);
+    else
+        files.alignFactoryFile(all);
+    if (!files.prepareSchemes(all))
+        return 0;
+    m_pRooms->loadSchemes();
     return 1;
 }
 
-void ISensorController::alignFile(SensorConfigFile& file, const std::string& all) {
-    if (!file.modifyIdUnEqualParameters(all))
-        InitPrintf("%s is unreadable, broken or read-only", file.getFilePath().c_str());
-}
-
-void ISensorController::copyFactoryFile(const std::string& path) {
-    const std::string command = std::string("cp ") + paths::FactoryFile + " " + path;
-    runShell(command);
-    std::puts(command.c_str());
-}
-
-void ISensorController::createDisabledScheme(const SensorConfigFile& file) {
-    // A power cut between the copy and its change must not leave a scheme that takes part: the file gets its name last.
-    SensorConfigFile draft(file.getFilePath() + ".new");
-    copyFactoryFile(draft.getFilePath());
-    if (!draft.modifyParameter(500, 0)) {
-        InitPrintf("%s can not be made", file.getFilePath().c_str());
-        return;
-    }
-    runShell("mv " + draft.getFilePath() + " " + file.getFilePath());
-}
-
-void ISensorController::loadSchemes() {
-    for (std::size_t i = 0; i < m_ConfigFiles.size(); ++i) {
-        std::map<int, int> stored;
-        m_ConfigFiles[i]->readParametersFromFile(stored);
-        const int scheme = static_cast<int>(i);
-        setParamSchemeStartTime(scheme, hourMinute(stored[501], stored[502] * 10LL));
-        setParamSchemeEndTime(scheme, hourMinute(stored[503], stored[504] * 10LL));
-        setParamSchemeEnableFlag(scheme, stored[500]);
+void ISensorController::Rooms::loadSchemes() {
+    for (std::size_t i = 0; i < c.m_ConfigFiles.size(); ++i) {
+        const int number = static_cast<int>(i);
+        std::map<int, int> stored = files.values(number);
+        c.setParamSchemeStartTime(number,
+                                  hourMinute(stored[scheme::StartHourId], stored[scheme::StartMinuteId] * 10LL));
+        c.setParamSchemeEndTime(number, hourMinute(stored[scheme::EndHourId], stored[scheme::EndMinuteId] * 10LL));
+        c.setParamSchemeEnableFlag(number, stored[scheme::EnableId]);
     }
 }
 
@@ -277,7 +302,7 @@ int ISensorController::stopPTZ() {
 void ISensorController::clearUartBuffer() {
     std::puts("Clear UART buffer");
     char buffer[DrainChunk];
-    for (int chunk = 0; chunk < MostDrainChunks; ++chunk)
+    for (int chunk = 0; chunk < MostDrainChunks && !m_pRooms->isEnding(); ++chunk)
         if (m_pUARTController->recv(m_nUartHandle, buffer, DrainChunk, 1) != DrainChunk)
             return;
 }
@@ -302,13 +327,14 @@ int ISensorController::checkUARTRecv(const char* expected, int expectedLength, c
 void ISensorController::recodeArray(const char* data, int length) {
     if (length < 1)
         return;
-    char text[LogLineSize];
+    constexpr int LineSize = 100;
+    char text[LineSize];
     int used = 0;
     for (int i = 0; i < length; ++i) {
         char item[sizeof(",0xff")];
         const int size =
             std::snprintf(item, sizeof item, i == 0 ? "0x%x" : ",0x%x", static_cast<unsigned char>(data[i]));
-        if (used + size >= LogLineSize)
+        if (used + size >= LineSize)
             break;
         std::copy_n(item, size + 1, text + used);
         used += size;
@@ -317,21 +343,17 @@ void ISensorController::recodeArray(const char* data, int length) {
 }
 
 void ISensorController::InitPrintf(const char* format, ...) {
-    char text[LogLineSize];
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
+    m_pRooms->journal.write(Log::Init, format, arguments);
     va_end(arguments);
-    m_pInitLog->WriteSensorLog("SensorInit", text);
 }
 
 void ISensorController::ErrorPrintf(const char* format, ...) {
-    char text[LogLineSize];
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
+    m_pRooms->journal.write(Log::Error, format, arguments);
     va_end(arguments);
-    m_pErrorLog->WriteSensorLog("SensorError", text);
 }
 
 void ISensorController::Debug_Printf(const char* format, ...) {
@@ -344,3 +366,28 @@ void ISensorController::Debug_Printf(const char* format, ...) {
     va_end(arguments);
     std::puts(text);
 }
+
+namespace sensorcontrol {
+
+bool DriverServices::isEnding(const ISensorController& controller) { return controller.m_pRooms->isEnding(); }
+
+void DriverServices::wait(ISensorController& controller, const BreltoTime& span) {
+    const ISensorController::Rooms& rooms = *controller.m_pRooms;
+    // Outside a start the thread class ends the wait of a thread that is stopped.
+    if (!rooms.isStarting) {
+        BreltoTime::wait(span);
+        return;
+    }
+    long long rest = span.getSeconds() * 1'000'000LL + span.getMicroseconds();
+    for (; rest > 0 && !rooms.isEnding(); rest -= LookMicroseconds)
+        BreltoTime::wait(BreltoTime(0, static_cast<int>(std::min<long long>(rest, LookMicroseconds))));
+}
+
+void DriverServices::waitForRestart(ISensorController& controller, int seconds) {
+    controller.m_pRooms->enterStage(StartProgress::Stage::Restart, seconds);
+    wait(controller, BreltoTime(seconds, 0));
+}
+
+void DriverServices::tellPort(ISensorController& controller, bool works) { controller.m_pRooms->journal.port(works); }
+
+} // namespace sensorcontrol

@@ -1,8 +1,8 @@
 // Decides whether the camera is in day or night mode and carries the decision out. Runs on the background thread, one
 // pass about every second.
 
-#include "controller/HourMinute.h"
-#include "controller/ISensorController.h"
+#include "controller/ControllerRooms.h"
+#include "controller/DailySpan.h"
 #include "host/BRDeviceTime.h"
 #include "host/ScopedLock.h"
 
@@ -13,19 +13,27 @@ using sensorhost::ScopedLock;
 
 namespace {
 
-using sensorcontrol::hourMinute;
+using namespace sensorcontrol;
 
 enum DayNightMode { Automatic = 0, FixedDay = 1, FixedNight = 2, ByClock = 3, LeftToModule = 4 };
 
 } // namespace
 
 int ISensorController::DNChangeThreadBody() {
+    m_pRooms->drainAfterStart();
     paramSchemeSwitchBody();
-    doDependOnThread();
-    if (m_bDNThreadSwitch)
+    if (!m_pRooms->isStopping)
+        doDependOnThread();
+    if (m_bDNThreadSwitch && !m_pRooms->isStopping)
         DNSwitchHandle();
     ISPParamBody(); // holds the only sleep of the pass
     return 0;
+}
+
+void ISensorController::Rooms::putInForce(int status) {
+    // A module that reports nothing leaves -1: no status, and no news.
+    if (c.m_nDNState.exchange(status) != status && status >= 0)
+        journal.dayNight(status);
 }
 
 int ISensorController::DNSwitchHandle() {
@@ -37,7 +45,7 @@ int ISensorController::DNSwitchHandle() {
         set2AParam(status);
         if (mode == LeftToModule) {
             m_nLastDayNightMode = LeftToModule;
-            m_nDNState = status;
+            m_pRooms->putInForce(status);
             return 1;
         }
         if (status == 1) {
@@ -130,27 +138,28 @@ int ISensorController::isTimeToSwitch(int status) {
     if (status != m_nLastDNStatus) {
         reInitDelayStartTime();
         m_nLastDNStatus = status;
-        if (status == 0)
-            return 1;
     }
+    // On every pass, not only on the change: a turn to night that failed is tried again.
+    if (status == 0)
+        return 1;
     double now = 0;
     getCurrentTime(now);
     return std::fabs(now - m_dDelayStartTime) >= m_nDNSwitchDelay ? 1 : 0;
 }
 
 int ISensorController::DNSwitchByTime(int& status) {
-    m_DeviceTime = BRDeviceTime::getCurrentTime();
-    const int now = m_DeviceTime.getHour() * 100 + m_DeviceTime.getMinute();
+    const BRDeviceTime clock = BRDeviceTime::getCurrentTime();
+    {
+        ScopedLock lock(m_pRooms->clockMutex);
+        m_DeviceTime = clock;
+    }
     const int toNight = m_nDTNTime;
     const int toDay = m_nNTDTime;
     if (toNight == toDay) {
         std::puts("Error @ DNSwitchByTime");
         return 0;
     }
-    if (toNight > toDay)
-        status = now < toDay || now >= toNight ? 0 : 1;
-    else
-        status = now >= toNight && now < toDay ? 0 : 1;
+    status = span::isNight(hourMinute(clock.getHour(), clock.getMinute()), toNight, toDay) ? 0 : 1;
     return 1;
 }
 
@@ -180,25 +189,25 @@ int ISensorController::reInitDelayStartTime() {
 void ISensorController::getCurrentTime(double& seconds) { seconds = BRDeviceTime::getSeconds(); }
 
 int ISensorController::setDTNTime_H(int hour) {
-    return setSwitchTime(m_nDTNTime, hourMinute(hour, m_nDTNTime % 100), m_nNTDTime, "DTN");
+    return m_pRooms->setSwitchTime(m_nDTNTime, hourMinute(hour, m_nDTNTime % 100), m_nNTDTime, "DTN");
 }
 
 int ISensorController::setDTNTime_M(int tensOfMinutes) {
-    return setSwitchTime(m_nDTNTime, hourMinute(m_nDTNTime / 100, tensOfMinutes * 10LL), m_nNTDTime, "DTN");
+    return m_pRooms->setSwitchTime(m_nDTNTime, hourMinute(m_nDTNTime / 100, tensOfMinutes * 10LL), m_nNTDTime, "DTN");
 }
 
 int ISensorController::setNTDTime_H(int hour) {
-    return setSwitchTime(m_nNTDTime, hourMinute(hour, m_nNTDTime % 100), m_nDTNTime, "NTD");
+    return m_pRooms->setSwitchTime(m_nNTDTime, hourMinute(hour, m_nNTDTime % 100), m_nDTNTime, "NTD");
 }
 
 int ISensorController::setNTDTime_M(int tensOfMinutes) {
-    return setSwitchTime(m_nNTDTime, hourMinute(m_nNTDTime / 100, tensOfMinutes * 10LL), m_nDTNTime, "NTD");
+    return m_pRooms->setSwitchTime(m_nNTDTime, hourMinute(m_nNTDTime / 100, tensOfMinutes * 10LL), m_nDTNTime, "NTD");
 }
 
-int ISensorController::setSwitchTime(std::atomic<int>& time, int newTime, const std::atomic<int>& otherTime,
-                                     const char* name) {
-    if (m_bisInited && !m_bisReset && newTime == otherTime) {
-        ErrorPrintf("failed:DTNTIME == NTDTIME,value = %d\n", newTime);
+int ISensorController::Rooms::setSwitchTime(std::atomic<int>& time, int newTime, const std::atomic<int>& otherTime,
+                                            const char* name) {
+    if (c.m_bisInited && !c.m_bisReset && newTime == otherTime) {
+        c.ErrorPrintf("failed:DTNTIME == NTDTIME,value = %d\n", newTime);
         return 0;
     }
     std::printf("set %s time:%d\n", name, newTime);

@@ -11,5 +11,10 @@ inline constexpr int DTNTime_H = 18;
 inline constexpr int DTNTime_M = 0;
 inline constexpr int NTDTime_H = 6;
 inline constexpr int NTDTime_M = 0;
+inline constexpr int EnableParam = 1;
+inline constexpr int ParamStartTime_H = 0;
+inline constexpr int ParamStartTime_M = 0;
+inline constexpr int ParamEndTime_H = 24;
+inline constexpr int ParamEndTime_M = 0;
 
 } // namespace sensorcontrol::factory

@@ -65,8 +65,10 @@ int ISensorController::getDTNTime_H(int& hour) { return give(factory::DTNTime_H,
 int ISensorController::getDTNTime_M(int& tensOfMinutes) { return give(factory::DTNTime_M, tensOfMinutes); }
 int ISensorController::getNTDTime_H(int& hour) { return give(factory::NTDTime_H, hour); }
 int ISensorController::getNTDTime_M(int& tensOfMinutes) { return give(factory::NTDTime_M, tensOfMinutes); }
-int ISensorController::getEnableParam(int& flag) { return give(1, flag); }
-int ISensorController::getParamStartTime_H(int& hour) { return give(0, hour); }
-int ISensorController::getParamStartTime_M(int& tensOfMinutes) { return give(0, tensOfMinutes); }
-int ISensorController::getParamEndTime_H(int& hour) { return give(24, hour); }
-int ISensorController::getParamEndTime_M(int& tensOfMinutes) { return give(0, tensOfMinutes); }
+int ISensorController::getEnableParam(int& flag) { return give(factory::EnableParam, flag); }
+int ISensorController::getParamStartTime_H(int& hour) { return give(factory::ParamStartTime_H, hour); }
+int ISensorController::getParamStartTime_M(int& tensOfMinutes) {
+    return give(factory::ParamStartTime_M, tensOfMinutes);
+}
+int ISensorController::getParamEndTime_H(int& hour) { return give(factory::ParamEndTime_H, hour); }
+int ISensorController::getParamEndTime_M(int& tensOfMinutes) { return give(factory::ParamEndTime_M, tensOfMinutes); }

@@ -26,8 +26,10 @@ class ModuleConfigure;
 class VideoResolution;
 
 namespace sensorcontrol {
+class ControllerObserver;
+class DriverServices;
 class ParameterTable;
-}
+} // namespace sensorcontrol
 
 /// Controls one camera module. The base class carries the state and the logic that all modules share; a concrete
 /// controller adds the module's transport and maps parameter ids to commands.
@@ -139,8 +141,14 @@ public:
     /// seconds, for more than twenty if the module must restart. 0 only if the platform or the module's port failed;
     /// anything later is logged and the module comes up with what it has. Called once.
     int init(int videoSystem, const ModuleConfigure& configure, const VideoResolution& resolution);
+    /// Ends a start that is under way on another thread, the wait for a restarting module included: init gives 0 within
+    /// one exchange with the module, saves nothing further, and the controller is only good for destruction. Any
+    /// thread; 1 if a start was under way, else 0.
+    int cancelStart();
     /// The port and pins to work with; before init.
     void setOperator(const SafePointer<IUARTController>& uart, const SafePointer<IGPIO>& gpio);
+    /// Who hears what happens; before init, null for nobody. It outlives the controller.
+    void setObserver(sensorcontrol::ControllerObserver* observer);
     int getSensorType() const { return m_nSensorType; }
     int getSensorStatus() const { return m_SensorStatus; }
 
@@ -247,7 +255,7 @@ public:
     void ErrorPrintf(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void Debug_Printf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    // Tuning of the on-chip pipeline. From init on the operations on the tuning table are the background thread's.
+    // Tuning of the on-chip pipeline.
 
     /// Loads the tuning file; without a readable one the table is empty and the result 0.
     int ISPParamThreadInit();
@@ -268,13 +276,8 @@ public:
     int getTNFMode(int& mode);
 
 protected:
+    friend class sensorcontrol::DriverServices;
     friend class sensorcontrol::ParameterTable;
-
-    /// The types behind these pointers belong to a higher layer, which creates and frees them.
-    struct TuningDeleter {
-        void operator()(ISPParam* param) const;
-        void operator()(EE* edgeEnhancement) const;
-    };
 
     /// Ends the background thread. Safe to repeat.
     void stopDNChangeThread();
@@ -286,8 +289,8 @@ protected:
     bool m_bisZoomModule = false;
     std::atomic<int> m_SensorStatus{NotInited};
     std::atomic<int> m_BaseSensorStatus{NotInited};
-    int m_nSensorConfigVersion = 0;
-    int m_nSensorConfigVersion2 = 0;
+    std::atomic<int> m_nSensorConfigVersion{0};
+    std::atomic<int> m_nSensorConfigVersion2{0};
     std::unique_ptr<IdManager> m_pIdManager;
     std::unique_ptr<SensorCache> m_pCurrentCache; ///< the set asked for last
     std::unique_ptr<SensorCache> m_pLastCache;    ///< what the module holds
@@ -332,18 +335,18 @@ protected:
     std::unique_ptr<SensorConfigFile> m_pFactoryConfigFile;
     std::unique_ptr<SensorConfigFile> m_pEspecialConfigFile;
     std::unique_ptr<GThread> m_DNChangeThread;
-    std::unique_ptr<ISPParam, TuningDeleter> m_pISPParam;
+    std::unique_ptr<ISPParam> m_pISPParam;
     std::atomic<int> m_nLastA0{-100};
     std::atomic<int> m_nLastTM{-100};
-    int m_nLastDC = -100;
-    int m_nLastEE = -100;
-    std::unique_ptr<EE, TuningDeleter> m_pEE;
-    bool m_bISPRealTimeUpdate = false;
-    int m_nISPDelayTime = 1;
+    std::atomic<int> m_nLastDC{-100};
+    std::atomic<int> m_nLastEE{-100};
+    std::unique_ptr<EE> m_pEE;
+    std::atomic<bool> m_bISPRealTimeUpdate{false};
+    std::atomic<int> m_nISPDelayTime{1};
     std::atomic<int> m_nDTNTime{6677}; ///< no clock time: not set yet
     std::atomic<int> m_nNTDTime{8899};
-    BRDeviceTime m_DeviceTime;
-    BRMutex m_DNMutex; ///< the day/night decision
+    BRDeviceTime m_DeviceTime; ///< the clock as DNSwitchByTime read it last, under a lock of its own
+    BRMutex m_DNMutex;         ///< the day/night decision
     std::atomic<bool> m_bisReset{false};
     std::atomic<int> m_nParamScheme{0};
     std::atomic<int> m_nParamMode{1};
@@ -351,53 +354,8 @@ protected:
     std::atomic<int> m_nParamSchemeEndTime{8800};
 
     static constexpr int ReceiveBufferSize = 100;
-    /// End time of a span whose end has not arrived yet.
-    static constexpr int NoEndTime = 10000;
 
 private:
-    /// What a switch to another scheme changes besides the values.
-    struct SchemeState {
-        int target;
-        SchemeSpan targetSpan;
-        int inForce;
-        int start;
-        int end;
-        std::map<int, int> cached;
-    };
-
-    int turnInfraredLight(int selector, int value, int highest, const char* name);
-    int driveFilter(int level);
-    int driveInfraredLight(int level);
-    int setSwitchTime(std::atomic<int>& time, int newTime, const std::atomic<int>& otherTime, const char* name);
-    bool isSpanChecked() const { return m_bisInited && !m_bisReset; }
-    int findDueScheme(int& scheme, std::string& text);
-    SchemeSpan spanOf(int scheme) const;
-    SchemeState schemeState(int target) const;
-    /// After a switch or a reset that failed, so that the next flush writes neither index nor span nor flag of it.
-    void restoreSchemeState(const SchemeState& state);
-    void saveChoice(int scheme);
-    void keepSpanInForce(int source, std::string& text) const;
-    void storeSpanStart(int time);
-    void storeSpanEnd(int time);
-    SensorConfigFile* schemeFile(int scheme) const;
-    ParamScheme* schemeRecord(int scheme) const;
-    int loadCurrentCache(const std::string& text);
-    int initSchemeFiles(const std::string& all);
-    void alignFile(SensorConfigFile& file, const std::string& all);
-    void copyFactoryFile(const std::string& path);
-    void createDisabledScheme(const SensorConfigFile& file);
-    void loadSchemes();
-    void readSchemeChoice();
-    int writeSchemeChoice();
-    static bool hasSchemeChoice();
-    static std::unique_ptr<ISPParam, TuningDeleter> createTuningTable();
-    static std::unique_ptr<EE, TuningDeleter> createEdgeEnhancement();
-    void applyTNF(int value);
-
-    /// The noise filter, from the look at its mode to the last value sent: the table must not open what the user
-    /// closes.
-    BRMutex m_FilterMutex;
-
-    /// A change reads and rewrites sensor.xml: the thread's scheme and the host's mode must not undo each other.
-    BRMutex m_SchemeChoiceMutex;
+    struct Rooms;
+    std::unique_ptr<Rooms> m_pRooms;
 };

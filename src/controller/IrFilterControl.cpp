@@ -1,7 +1,8 @@
 // Moves the IR-cut filter, switches the IR lights and turns the picture, in their order: on the way to day the lights
 // go out before the filter moves, on the way to night the picture is monochrome before the filter lets infrared in.
 
-#include "controller/ISensorController.h"
+#include "controller/ControllerRooms.h"
+#include "controller/Recorder.h"
 #include "host/BreltoTime.h"
 
 #include <cstdio>
@@ -21,29 +22,33 @@ constexpr int FullPower = 100;
 } // namespace
 
 int ISensorController::setNearLight(int power) {
-    return turnInfraredLight(NearLightSelector, power, FullPower, "setNearLight");
+    return m_pRooms->turnInfraredLight(NearLightSelector, power, FullPower, "setNearLight");
 }
 
 int ISensorController::setMiddleLight(int power) {
-    return turnInfraredLight(MiddleLightSelector, power, FullPower, "setMiddleLight");
+    return m_pRooms->turnInfraredLight(MiddleLightSelector, power, FullPower, "setMiddleLight");
 }
 
 int ISensorController::setFarLight(int power) {
-    return turnInfraredLight(FarLightSelector, power, FullPower, "setFarLight");
+    return m_pRooms->turnInfraredLight(FarLightSelector, power, FullPower, "setFarLight");
 }
 
-int ISensorController::setPowerMode(int mode) { return turnInfraredLight(PowerModeSelector, mode, 1, "setPowerMode"); }
+int ISensorController::setPowerMode(int mode) {
+    return m_pRooms->turnInfraredLight(PowerModeSelector, mode, 1, "setPowerMode");
+}
 
-int ISensorController::turnInfraredLight(int selector, int value, int highest, const char* name) {
+int ISensorController::Rooms::turnInfraredLight(int selector, int value, int highest, const char* name) {
     if (value < 0 || value > highest) {
-        ErrorPrintf("%s(%d) out of range", name, value);
+        c.ErrorPrintf("%s(%d) out of range", name, value);
         return 0;
     }
-    if (m_nInfrared == 0)
+    if (c.m_nInfrared == 0) {
+        sensorcontrol::recorder::keep("only with an infrared board");
         return 1;
+    }
     char frame[] = {'\xfe', 0x01, 0x1e, 0x02, static_cast<char>(selector), static_cast<char>(value), 0, '\xff'};
-    computeSum(frame, sizeof frame);
-    return setParameterValue(frame, sizeof frame) ? 1 : 0;
+    c.computeSum(frame, sizeof frame);
+    return c.setParameterValue(frame, sizeof frame) ? 1 : 0;
 }
 
 int ISensorController::getDNStatusFromLDR(int& status) {
@@ -70,7 +75,7 @@ int ISensorController::enterDayMode() {
         ErrorPrintf("turnPictureToDay failed\n");
         return 0;
     }
-    m_nDNState = 1;
+    m_pRooms->putInForce(1);
     return 1;
 }
 
@@ -88,44 +93,44 @@ int ISensorController::enterNightMode() {
         ErrorPrintf("SwitchInfraredIrCutToNight failed\n");
         return 0;
     }
-    m_nDNState = 0;
+    m_pRooms->putInForce(0);
     return 1;
 }
 
 int ISensorController::SwitchInfraredIrCutToDay() {
     if (m_bisZoomModule)
         return 1;
-    if (m_bNewInfrared && m_nInfrared != 2 && !driveInfraredLight(m_nInfraredGPIOLevel))
+    if (m_bNewInfrared && m_nInfrared != 2 && !m_pRooms->driveInfraredLight(m_nInfraredGPIOLevel))
         return 0;
     BreltoTime::wait(SwitchGap);
     if (m_nInfrared != 0 && m_nInfrared != 2 && !m_bNewInfrared)
         return 1;
-    return driveFilter(m_nFilterGPIOLevel);
+    return m_pRooms->driveFilter(m_nFilterGPIOLevel);
 }
 
 int ISensorController::SwitchInfraredIrCutToNight() {
     if (m_bisZoomModule)
         return 1;
-    if ((m_nInfrared == 0 || m_nInfrared == 2 || m_bNewInfrared) && !driveFilter(1 - m_nFilterGPIOLevel))
+    if ((m_nInfrared == 0 || m_nInfrared == 2 || m_bNewInfrared) && !m_pRooms->driveFilter(1 - m_nFilterGPIOLevel))
         return 0;
     BreltoTime::wait(SwitchGap);
     if (!m_bNewInfrared || m_nInfrared == 2)
         return 1;
-    return driveInfraredLight(1 - m_nInfraredGPIOLevel);
+    return m_pRooms->driveInfraredLight(1 - m_nInfraredGPIOLevel);
 }
 
-int ISensorController::driveFilter(int level) {
-    if (m_pGPIO->setValue(m_nFilterGPIOGroup, m_nFilterGPIOPin, level))
+int ISensorController::Rooms::driveFilter(int level) {
+    if (c.m_pGPIO->setValue(c.m_nFilterGPIOGroup, c.m_nFilterGPIOPin, level))
         return 1;
-    ErrorPrintf("gpio set filter failed");
+    c.ErrorPrintf("gpio set filter failed");
     BreltoTime::wait(FailureWait);
     return 0;
 }
 
-int ISensorController::driveInfraredLight(int level) {
-    if (m_pGPIO->setValue(m_nInfraredGPIOGroup, m_nInfraredGPIOPin, level))
+int ISensorController::Rooms::driveInfraredLight(int level) {
+    if (c.m_pGPIO->setValue(c.m_nInfraredGPIOGroup, c.m_nInfraredGPIOPin, level))
         return 1;
-    ErrorPrintf("gpio set infrared failed");
+    c.ErrorPrintf("gpio set infrared failed");
     BreltoTime::wait(FailureWait);
     return 0;
 }

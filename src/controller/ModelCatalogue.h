@@ -1,8 +1,11 @@
 #pragma once
 
+#include "controller/ControllerTraits.h"
+#include "controller/SchemeParameters.h"
 #include "host/Export.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,7 +40,7 @@ struct ModelInfo {
     int moduleId;
     std::string className;
     bool hasPort; ///< a camera block on a serial port; otherwise the on-chip pipeline
-    /// Ascending by id.
+    /// Ascending by id, those that every module has (scheme::ParameterId) included.
     std::vector<ParameterInfo> parameters;
 };
 
@@ -47,7 +50,21 @@ SENSORCONTROL_API std::vector<int> listModuleIds();
 /// The model of a module id; nothing for an id that names no module.
 SENSORCONTROL_API std::optional<ModelInfo> describeModel(int moduleId);
 
+/// What the framework does otherwise for a module id.
+ControllerTraits traitsOf(int moduleId);
+
 /// A new controller, null for an id that names no module. Use SenseControllerFactory.
 ISensorController* createController(int moduleId);
+
+/// One module id as the drivers' list has it.
+struct CatalogueRow {
+    int moduleId;
+    ControllerTraits traits = {};
+    ISensorController* (*create)(int moduleId) = nullptr; ///< null: known by its traits alone
+    ModelInfo (*describe)(int moduleId) = nullptr;
+};
+
+/// The drivers' list, ascending: data that the layer above lays down, so that nothing here calls up.
+extern const std::span<const CatalogueRow> CatalogueRows;
 
 } // namespace sensorcontrol

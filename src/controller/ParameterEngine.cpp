@@ -1,11 +1,16 @@
 // The path of a value between the host, the module and the parameter files.
 
-#include "controller/ISensorController.h"
+#include "controller/ControllerRooms.h"
+#include "controller/Recorder.h"
+#include "controller/SchemeParameters.h"
 #include "host/ScopedLock.h"
 #include "host/SensorParameterParser.h"
 
 #include <cstdio>
+#include <map>
+#include <set>
 
+using namespace sensorcontrol;
 using sensorhost::ScopedLock;
 
 int ISensorController::setParameters(const std::string& text) {
@@ -19,10 +24,14 @@ int ISensorController::setParameters(const std::string& text) {
     int value = 0;
     for (int more = m_pCurrentCache->getFirstIdValue(id, value); more;
          more = m_pCurrentCache->getNextIdValue(id, value)) {
+        if (m_pRooms->isEnding())
+            return 0;
         if (!setParameter(id, value)) {
+            const recorder::LogOnly outcomeTellsIt;
             ErrorPrintf("setParameter (%d,%d) failed", id, value);
             result = 0;
         }
+        m_pRooms->advance();
     }
     return result;
 }
@@ -31,34 +40,51 @@ int ISensorController::setParameter(int id, int value) {
     // The version entries of a parameter file pass through with its text.
     if (id == SensorConfigFile::VersionId || id == SensorConfigFile::Version2Id)
         return 1;
-    if (m_pLastCache->isEqualToCache(id, value))
+    if (m_pLastCache->isEqualToCache(id, value)) {
+        recorder::unchanged(id, value);
         return 1;
-    if (setParameterToSensor(id, value) != 1) {
-        ErrorPrintf("setParameterToSensor (%d,%d) failed", id, value);
-        return 0;
     }
+    recorder::ParameterInHand parameter(id, value);
+    const int isTaken = m_pRooms->set(id, value);
+    const OperationReport::Parameter& outcome = parameter.finish(isTaken != 0);
+    if (!isTaken)
+        m_pRooms->journal.parameterNotTaken(outcome);
+    return isTaken;
+}
 
+int ISensorController::Rooms::set(int id, int value) {
+    const int result = c.setParameterToSensor(id, value);
+    if (result == 1)
+        return remember(id, value);
+    if (result == -1)
+        recorder::leaveUnserved();
+    const recorder::LogOnly outcomeTellsIt;
+    c.ErrorPrintf("setParameterToSensor (%d,%d) failed", id, value);
+    return 0;
+}
+
+int ISensorController::Rooms::remember(int id, int value) {
     int stored = 0;
-    switch (m_pIdManager->getIdType(id)) {
+    switch (c.m_pIdManager->getIdType(id)) {
     case IdManager::Common:
     case IdManager::Especial:
-        stored = m_pLastCache->setSensorValue(id, value);
+        stored = c.m_pLastCache->setSensorValue(id, value);
         break;
     case IdManager::SetOnly:
         return 1;
     case IdManager::KeepDefault: {
         int first = 0;
-        if (m_pLastCache->getSensorValue(id, first))
+        if (c.m_pLastCache->getSensorValue(id, first))
             return 1;
-        stored = m_pLastCache->setSensorValue(id, value);
+        stored = c.m_pLastCache->setSensorValue(id, value);
         break;
     }
     default:
-        ErrorPrintf("id type is unknow");
+        c.ErrorPrintf("id type is unknow");
         return 0;
     }
     if (!stored) {
-        ErrorPrintf("setValue to cache failed");
+        c.ErrorPrintf("setValue to cache failed");
         return 0;
     }
     return 1;
@@ -81,15 +107,18 @@ int ISensorController::getAllParametersFromSensor(std::string& result) {
         !m_pIdManager->getKeepDefaultValueList(keepDefault))
         return 0;
 
+    m_pRooms->enterStage(Rooms::Stage::FactoryValues,
+                         static_cast<int>(common.size() + especial.size() + keepDefault.size()));
     SensorCache values;
     for (const auto* ids : {&common, &especial, &keepDefault}) {
         for (const int id : *ids) {
             int value = 0;
-            if (!getParameterFromSensor(id, value)) {
+            if (m_pRooms->isEnding() || !getParameterFromSensor(id, value)) {
                 ErrorPrintf("getParameterFromSensor (%d) failed", id);
                 return 0;
             }
             values.setSensorValue(id, value);
+            m_pRooms->advance();
         }
     }
     return values.getAllSensorValues(result);
@@ -136,9 +165,17 @@ void ISensorController::UpdateParametersIdValue(std::string& text, int id, int v
     const std::size_t end = text.find(')', begin);
     if (end == std::string::npos)
         return;
-    std::string group;
-    SensorParameterParser::appendGroup(id, value, group);
-    text.replace(begin, end - begin + 1, group);
+    text.replace(begin, end - begin + 1, SensorParameterParser::createSensorParameterString({{id, value}}));
+}
+
+int ISensorController::Rooms::collect(const std::set<int>& ids, std::string& text, const char* failure) {
+    if (c.m_pLastCache->getSensorValues(ids, text))
+        return 1;
+    c.ErrorPrintf("%s", failure);
+    for (const int id : ids)
+        if (int value = 0; !c.m_pLastCache->getSensorValue(id, value))
+            c.ErrorPrintf("parameter %d has no value: the module never took one", id);
+    return 0;
 }
 
 int ISensorController::flush() {
@@ -149,64 +186,39 @@ int ISensorController::flush() {
     if (!m_pIdManager->getCommonIdList(commonIds) || !m_pIdManager->getEspecialIdList(especialIds))
         return 0;
     std::string common;
-    if (!m_pLastCache->getSensorValues(commonIds, common)) {
-        ErrorPrintf("getCommonIdValues from Last Cache failed");
-        return 0;
-    }
     std::string especial;
-    if (!m_pLastCache->getSensorValues(especialIds, especial)) {
-        ErrorPrintf("getEspecialIdValues from Last Cache failed");
+    if (!m_pRooms->collect(commonIds, common, "getCommonIdValues from Last Cache failed") ||
+        !m_pRooms->collect(especialIds, especial, "getEspecialIdValues from Last Cache failed"))
         return 0;
-    }
-
-    if (!m_pFactoryConfigFile->modifyParameters(especial)) {
-        ErrorPrintf("flush failed: %s", m_pFactoryConfigFile->getFilePath().c_str());
-        return 0;
-    }
-    const int scheme = m_nParamScheme;
-    std::printf("save param %d\n", scheme + 1);
-    SensorConfigFile* file = schemeFile(scheme);
-    if (file == nullptr) {
-        ErrorPrintf("flush failed: no parameter scheme %d", scheme);
-        return 0;
-    }
-    if (!file->saveParametersToFile(common + especial) || !m_pEspecialConfigFile->saveParametersToFile(especial)) {
-        ErrorPrintf("flush failed: the files of parameter scheme %d", scheme);
-        return 0;
-    }
-    return 1;
+    return m_pRooms->files.save(m_nParamScheme, common, especial);
 }
 
-int ISensorController::loadCurrentCache(const std::string& text) {
-    m_pCurrentCache->clear();
-    return !text.empty() && m_pCurrentCache->setSensorValues(text) ? 1 : 0;
+int ISensorController::Rooms::loadCurrentCache(const std::string& text) {
+    c.m_pCurrentCache->clear();
+    return !text.empty() && c.m_pCurrentCache->setSensorValues(text) ? 1 : 0;
 }
 
 int ISensorController::resetParameters() {
     ScopedLock lock(m_ParamMutex);
     m_bisReset = true;
     std::string text;
-    if (!m_pFactoryConfigFile->readParametersFromFile(text) || !loadCurrentCache(text)) {
+    if (!m_pFactoryConfigFile->readParametersFromFile(text) || !m_pRooms->loadCurrentCache(text)) {
         ErrorPrintf("read factory setting failed");
         return 0;
     }
     std::printf("reset:%s\n", text.c_str());
-    const SchemeState before = schemeState(m_nParamScheme);
+    if (OperationReport* report = recorder::report())
+        report->source = m_pFactoryConfigFile->getFilePath();
+    const Rooms::SchemeState before = m_pRooms->schemeState(m_nParamScheme);
     reInitSchemeTimeMember();
     if (!setParameters(text)) {
         ErrorPrintf("setParameters @resetParameters failed");
-        restoreSchemeState(before);
+        m_pRooms->restore(before);
         return 0;
     }
-    // Disabled in the one write: a power cut after a first one would leave every scheme enabled.
-    std::map<int, int> disabled;
-    SensorParameterParser::parseSensorParameter(text, disabled);
-    if (const auto flag = disabled.find(500); flag != disabled.end())
-        flag->second = 0;
-    for (std::size_t i = 0; i < m_ConfigFiles.size(); ++i)
-        i == 0 ? m_ConfigFiles[i]->saveParametersToFile(text) : m_ConfigFiles[i]->saveParametersToFile(disabled);
+    m_pRooms->files.saveFactoryText(text);
     if (m_nParamScheme > 0 && setEnableParam(0))
-        m_pLastCache->setSensorValue(500, 0); // as in its file, or the next flush would enable it
+        m_pLastCache->setSensorValue(scheme::EnableId, 0); // as in its file, or the next flush would enable it
     m_bisReset = false;
     std::puts("resetParameters success");
     return 1;
@@ -216,10 +228,12 @@ int ISensorController::resetToLastParameters() {
     ScopedLock lock(m_ParamMutex);
     m_bisReset = true;
     std::string text;
-    if (!readParamByScheme(m_nParamScheme, text) || !loadCurrentCache(text)) {
+    if (!readParamByScheme(m_nParamScheme, text) || !m_pRooms->loadCurrentCache(text)) {
         ErrorPrintf("read user setting failed");
         return 0;
     }
+    if (OperationReport* report = recorder::report())
+        report->source = m_pRooms->files.find(m_nParamScheme)->getFilePath();
     if (!setParameters(text)) {
         ErrorPrintf("setParameters @resetToLastParameters failed");
         return 0;

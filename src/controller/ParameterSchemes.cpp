@@ -1,61 +1,24 @@
 // Sets of parameters with a daily span: which there are, which is in force, and how the clock and the host change it.
 
-#include "controller/DevicePaths.h"
-#include "controller/HourMinute.h"
-#include "controller/ISensorController.h"
-#include "host/BRFile.h"
+#include "controller/BaseParameters.h"
+#include "controller/ControllerRooms.h"
+#include "controller/DailySpan.h"
+#include "controller/Recorder.h"
+#include "controller/SchemeParameters.h"
+#include "host/DevicePaths.h"
 #include "host/ScopedLock.h"
 #include "host/SensorParameterParser.h"
 #include "host/XmlConfigureTool.h"
 
-#include <charconv>
 #include <cstdio>
 
+using namespace sensorcontrol;
 using sensorhost::ScopedLock;
 
 namespace {
 
-using namespace sensorcontrol;
-
 constexpr int MostSchemes = 100;
-constexpr int FirstSchemeId = 500;
-constexpr int LastSchemeId = 504;
 constexpr int XmlFormat = 1;
-constexpr const char* SchemeNode = "paramScheme";
-constexpr const char* SchemeIndexItem = "SchemeIndex";
-constexpr const char* SchemeModeItem = "SchemeMode";
-
-XmlConfigureItem makeItem(const char* name, int value) {
-    XmlConfigureItem item(XmlFormat);
-    item.setProperty("name", std::string(name));
-    item.setProperty("value", std::to_string(value));
-    return item;
-}
-
-/// The item of that name in the file's scheme node.
-bool findSchemeItem(const XmlConfigureTool& tool, const std::string& name, XmlConfigureItem& found) {
-    XmlConfigureNode node;
-    std::vector<XmlConfigureItem> items;
-    if (!tool.getConfigNode(SchemeNode, node) || !node.getItemList(items))
-        return false;
-    for (const XmlConfigureItem& item : items) {
-        std::string itemName;
-        if (item.getProperty("name", itemName) && itemName == name) {
-            found = item;
-            return true;
-        }
-    }
-    return false;
-}
-
-int readNumber(const std::string& text, int& number) {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size())
-        return 0;
-    number = value;
-    return 1;
-}
 
 /// Whether the text holds parameters at all: one that does not would be applied without a fault, and change nothing.
 bool isParameterSet(const std::string& text) {
@@ -66,55 +29,28 @@ bool isParameterSet(const std::string& text) {
 } // namespace
 
 int ISensorController::setParameterToSensor(int id, int value) {
-    struct Row {
-        int (ISensorController::*set)(int);
-        const char* failure;
-    };
-    static constexpr Row rows[] = {
-        {&ISensorController::setEnableParam, "setEnableParam failed"},
-        {&ISensorController::setParamStartTime_H, "setParamStartTime_H failed"},
-        {&ISensorController::setParamStartTime_M, "setParamStartTime_M failed"},
-        {&ISensorController::setParamEndTime_H, "setParamEndTime_H failed"},
-        {&ISensorController::setParamEndTime_M, "setParamEndTime_M failed"},
-    };
-    if (id < 500 || id > 504)
+    const BaseParameter* row = findBaseParameter(id);
+    if (row == nullptr)
         return -1;
-    const Row& row = rows[id - 500];
-    if ((this->*row.set)(value))
+    if ((this->*row->set)(value))
         return 1;
-    ErrorPrintf("%s", row.failure);
+    ErrorPrintf("set%s failed", row->name);
     return 0;
 }
 
 int ISensorController::getParameterFromSensor(int id, int& value) {
-    struct Row {
-        int (ISensorController::*get)(int&);
-        const char* failure;
-    };
-    static constexpr Row rows[] = {
-        {&ISensorController::getEnableParam, "getEnableParam failed"},
-        {&ISensorController::getParamStartTime_H, "getParamStartTime_H failed"},
-        {&ISensorController::getParamStartTime_M, "getParamStartTime_M failed"},
-        {&ISensorController::getParamEndTime_H, "getParamEndTime_H failed"},
-        {&ISensorController::getParamEndTime_M, "getParamEndTime_M failed"},
-    };
-    if (id < 500 || id > 504)
+    const BaseParameter* row = findBaseParameter(id);
+    if (row == nullptr)
         return 0;
-    const Row& row = rows[id - 500];
-    if ((this->*row.get)(value))
+    if ((this->*row->get)(value))
         return 1;
-    ErrorPrintf("%s", row.failure);
+    ErrorPrintf("get%s failed", row->name);
     return 0;
 }
 
-SensorConfigFile* ISensorController::schemeFile(int scheme) const {
-    const bool isThere = scheme >= 0 && static_cast<std::size_t>(scheme) < m_ConfigFiles.size();
-    return isThere ? m_ConfigFiles[static_cast<std::size_t>(scheme)].get() : nullptr;
-}
-
-ParamScheme* ISensorController::schemeRecord(int scheme) const {
-    const bool isThere = scheme >= 0 && static_cast<std::size_t>(scheme) < m_ParamSchemes.size();
-    return isThere ? m_ParamSchemes[static_cast<std::size_t>(scheme)].get() : nullptr;
+ParamScheme* ISensorController::Rooms::record(int scheme) const {
+    const bool isThere = scheme >= 0 && static_cast<std::size_t>(scheme) < c.m_ParamSchemes.size();
+    return isThere ? c.m_ParamSchemes[static_cast<std::size_t>(scheme)].get() : nullptr;
 }
 
 int ISensorController::getParamSchemeNum(int& count) {
@@ -137,6 +73,8 @@ int ISensorController::getParamSchemeNum(int& count) {
 }
 
 int ISensorController::initParamSchemeList() {
+    if (!m_ConfigFiles.empty())
+        return 1; // others may be walking it
     int count = 0;
     if (!getParamSchemeNum(count)) {
         InitPrintf("no parameter schemes: sensorAbility.xml does not tell how many");
@@ -154,97 +92,54 @@ int ISensorController::initParamSchemeList() {
     return 1;
 }
 
-bool ISensorController::hasSchemeChoice() {
-    // Empty is what a power cut in the moment of its creation leaves: as good as not there, and made again.
-    BRFile file;
-    const bool isEmpty = file.open(paths::SchemeChoiceFile, BRFile::Read) && file.getLength() == 0;
-    return BRFile::isExist(paths::SchemeChoiceFile) && !isEmpty;
-}
+int ISensorController::createSensorXML() { return m_pRooms->choice.create(m_nParamScheme, m_nParamMode, false); }
 
-int ISensorController::createSensorXML() { return hasSchemeChoice() ? 1 : writeSchemeChoice(); }
-
-int ISensorController::writeSchemeChoice() {
-    XmlConfigureTool tool;
-    if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::Create)) {
-        std::printf("open %s failed\n", paths::SchemeChoiceFile);
-        return 0;
-    }
-    tool.setRootNodeName("sensor");
-    XmlConfigureNode node(SchemeNode, XmlFormat);
-    node.addItem(makeItem(SchemeIndexItem, m_nParamScheme));
-    node.addItem(makeItem(SchemeModeItem, m_nParamMode));
-    tool.addConfigNode(node);
-    if (!tool.close())
-        std::printf("%s can not be written\n", paths::SchemeChoiceFile);
-    return 1;
-}
-
-void ISensorController::readSchemeChoice() {
-    XmlConfigureTool tool;
-    if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::ReadOnly)) {
-        // It has nothing to keep, and as it is every later choice would be refused.
-        InitPrintf("%s is broken, made anew", paths::SchemeChoiceFile);
-        writeSchemeChoice();
+void ISensorController::Rooms::readSchemeChoice() {
+    if (!choice.mayBeRead()) {
+        c.InitPrintf("%s was not readable, left alone", paths::SchemeChoiceFile);
         return;
     }
-    int scheme = m_nParamScheme;
-    int mode = m_nParamMode;
-    const int hasScheme = getParamSchemeFromFile(scheme);
-    const int hasMode = getParamSchemeModeFromFile(mode);
+    if (!choice.isSound()) {
+        // It has nothing to keep, and as it is every later choice would be refused.
+        c.InitPrintf("%s is broken, made anew", paths::SchemeChoiceFile);
+        choice.create(c.m_nParamScheme, c.m_nParamMode, true);
+        return;
+    }
+    int scheme = c.m_nParamScheme;
+    int mode = c.m_nParamMode;
+    const int hasScheme = c.getParamSchemeFromFile(scheme);
+    const int hasMode = c.getParamSchemeModeFromFile(mode);
     if (!hasScheme || !hasMode)
-        InitPrintf("%s lacks %s", paths::SchemeChoiceFile, hasScheme ? SchemeModeItem : SchemeIndexItem);
-    if (schemeFile(scheme) == nullptr)
-        InitPrintf("%s: no parameter scheme %d", paths::SchemeChoiceFile, scheme);
-    m_nParamScheme = scheme;
-    m_nParamMode = mode;
+        c.InitPrintf("%s lacks %s", paths::SchemeChoiceFile,
+                     hasScheme ? SchemeChoice::ModeName : SchemeChoice::IndexName);
+    if (files.find(scheme) == nullptr)
+        c.InitPrintf("%s: no parameter scheme %d", paths::SchemeChoiceFile, scheme);
+    c.m_nParamScheme = scheme;
+    c.m_nParamMode = mode;
 }
 
 int ISensorController::setValueToParamSchemeNode(const std::string& name, const std::string& value) {
-    ScopedLock lock(m_SchemeChoiceMutex);
-    if (!hasSchemeChoice())
-        return 0;
-    XmlConfigureTool tool;
-    if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::Change)) {
-        std::printf("open %s failed\n", paths::SchemeChoiceFile);
-        return 0;
-    }
-    XmlConfigureItem item(XmlFormat);
-    const bool isFound = findSchemeItem(tool, name, item);
-    if (isFound)
-        item.setProperty("value", value);
-    const int closed = tool.close();
-    return isFound && closed ? 1 : 0;
+    return m_pRooms->choice.setValue(name, value);
 }
 
 int ISensorController::getValueFromParamSchemeNode(const std::string& name, std::string& value) {
-    ScopedLock lock(m_SchemeChoiceMutex);
-    if (!hasSchemeChoice())
-        return 0;
-    XmlConfigureTool tool;
-    if (!tool.open(paths::SchemeChoiceFile, XmlFormat, XmlConfigureTool::ReadOnly)) {
-        std::printf("open %s failed\n", paths::SchemeChoiceFile);
-        return 0;
-    }
-    XmlConfigureItem item(XmlFormat);
-    return findSchemeItem(tool, name, item) && item.getProperty("value", value) ? 1 : 0;
+    return m_pRooms->choice.getValue(name, value);
 }
 
 int ISensorController::setParamSchemeToFile(int scheme) {
-    return setValueToParamSchemeNode(SchemeIndexItem, std::to_string(scheme));
+    return setValueToParamSchemeNode(SchemeChoice::IndexName, std::to_string(scheme));
 }
 
 int ISensorController::setParamSchemeModeToFile(int mode) {
-    return setValueToParamSchemeNode(SchemeModeItem, std::to_string(mode));
+    return setValueToParamSchemeNode(SchemeChoice::ModeName, std::to_string(mode));
 }
 
 int ISensorController::getParamSchemeFromFile(int& scheme) {
-    std::string text;
-    return getValueFromParamSchemeNode(SchemeIndexItem, text) && readNumber(text, scheme) ? 1 : 0;
+    return m_pRooms->choice.getNumber(SchemeChoice::IndexName, scheme);
 }
 
 int ISensorController::getParamSchemeModeFromFile(int& mode) {
-    std::string text;
-    return getValueFromParamSchemeNode(SchemeModeItem, text) && readNumber(text, mode) ? 1 : 0;
+    return m_pRooms->choice.getNumber(SchemeChoice::ModeName, mode);
 }
 
 int ISensorController::setParamMode(int mode) {
@@ -267,19 +162,20 @@ int ISensorController::getParamMode(int& mode) {
 int ISensorController::setParamScheme(int scheme) {
     std::printf("#########ISensorController::setParamScheme %d\n", scheme);
     ScopedLock lock(m_ParamMutex);
-    const SchemeState before = schemeState(scheme);
+    const Rooms::SchemeState before = m_pRooms->schemeState(scheme);
     m_nParamScheme = scheme; // before the text arrives: its span belongs to the new scheme
     if (!switchParam(scheme)) {
-        restoreSchemeState(before);
+        m_pRooms->restore(before);
         return 0;
     }
-    saveChoice(scheme);
+    m_pRooms->announceScheme(scheme);
     return 1;
 }
 
-void ISensorController::saveChoice(int scheme) {
-    if (!setParamSchemeToFile(scheme))
-        ErrorPrintf("the choice of parameter scheme %d is not saved", scheme);
+void ISensorController::Rooms::announceScheme(int scheme) {
+    if (!c.setParamSchemeToFile(scheme))
+        c.ErrorPrintf("the choice of parameter scheme %d is not saved", scheme);
+    journal.scheme(scheme);
 }
 
 int ISensorController::getParamScheme(int& scheme) {
@@ -289,7 +185,7 @@ int ISensorController::getParamScheme(int& scheme) {
 }
 
 int ISensorController::switchParam(int scheme) {
-    if (schemeFile(scheme) == nullptr) {
+    if (m_pRooms->files.find(scheme) == nullptr) {
         ErrorPrintf("switchParam failed: no parameter scheme %d", scheme);
         return 0;
     }
@@ -306,6 +202,8 @@ int ISensorController::switchParam(int scheme) {
     ScopedLock lock(m_ParamMutex);
     reInitSchemeTimeMember();
     std::printf("switch param(p_Scheme=%d):\n %s\n", scheme, text.c_str());
+    if (OperationReport* report = recorder::report())
+        report->source = m_pRooms->files.find(scheme)->getFilePath();
     if (!setParameters(text)) {
         ErrorPrintf("setParameters @switchParam failed");
         return 0;
@@ -314,110 +212,107 @@ int ISensorController::switchParam(int scheme) {
 }
 
 int ISensorController::readParamByScheme(int scheme, std::string& text) {
-    SensorConfigFile* file = schemeFile(scheme);
+    SensorConfigFile* file = m_pRooms->files.find(scheme);
     return file != nullptr ? file->readParametersFromFile(text) : 0;
 }
 
-int ISensorController::readCurrentParam(int& scheme, std::string& text) {
+int ISensorController::Rooms::selectByClock() const {
     const BRDeviceTime clock = BRDeviceTime::getCurrentTime();
-    const int now = clock.getHour() * 100 + clock.getMinute();
-    for (std::size_t i = 0; i < m_ParamSchemes.size(); ++i) {
-        const SchemeSpan span = m_ParamSchemes[i]->getSpan();
-        if (span.flag != 0 && span.start <= now && now <= span.end) {
-            m_ConfigFiles[i]->readParametersFromFile(text);
-            scheme = static_cast<int>(i);
-            return 1;
-        }
+    const int now = hourMinute(clock.getHour(), clock.getMinute());
+    for (std::size_t i = 0; i < c.m_ParamSchemes.size(); ++i) {
+        const SchemeSpan span = c.m_ParamSchemes[i]->getSpan();
+        if (span.flag != 0 && span::covers(span.start, span.end, now))
+            return static_cast<int>(i);
     }
-    m_pFactoryConfigFile->readParametersFromFile(text);
-    scheme = -1;
-    return 0;
+    return -1;
 }
 
-/// 1 if the clock selects another scheme than the one in force; -1 if it selects none.
-int ISensorController::findDueScheme(int& scheme, std::string& text) {
-    if (m_nParamMode == 0)
+int ISensorController::readCurrentParam(int& scheme, std::string& text) {
+    scheme = m_pRooms->selectByClock();
+    SensorConfigFile* file = m_pRooms->files.find(scheme);
+    (file != nullptr ? *file : *m_pFactoryConfigFile).readParametersFromFile(text);
+    return file != nullptr ? 1 : 0;
+}
+
+int ISensorController::paramSchemeSwitchBody() {
+    // The files are opened only when there is something to switch.
+    const auto isDue = [this] { return m_nParamMode != 0 && m_pRooms->selectByClock() != m_nParamScheme; };
+    if (!isDue())
         return 0;
+    if (m_pRooms->selectByClock() < 0) {
+        std::puts("readCurrentParam failed");
+        return -1;
+    }
+    // The host may have been changing the mode, the choice or a span: what it left counts. Only a switch waits for the
+    // lock, because a host's set can hold it for the whole restart of a module.
+    ScopedLock lock(m_ParamMutex);
+    if (!isDue())
+        return 0;
+    int scheme = 0;
+    std::string text;
     if (!readCurrentParam(scheme, text)) {
         std::puts("readCurrentParam failed");
         return -1;
     }
-    return scheme != m_nParamScheme ? 1 : 0;
-}
-
-int ISensorController::paramSchemeSwitchBody() {
-    int scheme = 0;
-    std::string text;
-    int due = findDueScheme(scheme, text);
-    if (due != 1)
-        return due;
-    // The host may have been changing the mode, the choice or a span: what it left counts. Only a switch waits for the
-    // lock, because a host's set can hold it for the whole restart of a module.
-    ScopedLock lock(m_ParamMutex);
-    text.clear();
-    due = findDueScheme(scheme, text);
-    if (due != 1)
-        return due;
     if (!isParameterSet(text)) {
         ErrorPrintf("setParameters failed @paramSchemeSwitchBody");
         return -1;
     }
-    const SchemeState before = schemeState(scheme);
+    const Rooms::SchemeState before = m_pRooms->schemeState(scheme);
     reInitSchemeTimeMember();
     m_nParamScheme = scheme;
     if (!setParameters(text)) {
         ErrorPrintf("setParameters failed @paramSchemeSwitchBody");
-        restoreSchemeState(before);
+        m_pRooms->restore(before);
         return -1;
     }
-    saveChoice(scheme);
+    m_pRooms->announceScheme(scheme);
     std::printf("Auto switch param to:%s\n", text.c_str());
     ErrorPrintf("Auto switch  Scheme to:%d", scheme);
     return 0;
 }
 
-SchemeSpan ISensorController::spanOf(int scheme) const {
-    const ParamScheme* record = schemeRecord(scheme);
-    return record != nullptr ? record->getSpan() : SchemeSpan{};
+SchemeSpan ISensorController::Rooms::spanOf(int scheme) const {
+    const ParamScheme* found = record(scheme);
+    return found != nullptr ? found->getSpan() : SchemeSpan{};
 }
 
-ISensorController::SchemeState ISensorController::schemeState(int target) const {
-    SchemeState state{target, spanOf(target), m_nParamScheme, m_nParamSchemeStartTime, m_nParamSchemeEndTime, {}};
-    for (int id = FirstSchemeId; id <= LastSchemeId; ++id)
-        if (int value = 0; m_pLastCache->getSensorValue(id, value))
+ISensorController::Rooms::SchemeState ISensorController::Rooms::schemeState(int target) const {
+    SchemeState state{target, spanOf(target), c.m_nParamScheme, c.m_nParamSchemeStartTime, c.m_nParamSchemeEndTime, {}};
+    for (int id = scheme::FirstId; id <= scheme::LastId; ++id)
+        if (int value = 0; c.m_pLastCache->getSensorValue(id, value))
             state.cached[id] = value;
     return state;
 }
 
-void ISensorController::restoreSchemeState(const SchemeState& state) {
-    if (ParamScheme* record = schemeRecord(state.target))
-        record->setSpan(state.targetSpan);
-    m_nParamScheme = state.inForce;
-    m_nParamSchemeStartTime = state.start;
-    m_nParamSchemeEndTime = state.end;
+void ISensorController::Rooms::restore(const SchemeState& state) {
+    if (ParamScheme* target = record(state.target))
+        target->setSpan(state.targetSpan);
+    c.m_nParamScheme = state.inForce;
+    c.m_nParamSchemeStartTime = state.start;
+    c.m_nParamSchemeEndTime = state.end;
     for (const auto& [id, value] : state.cached)
-        m_pLastCache->setSensorValue(id, value);
+        c.m_pLastCache->setSensorValue(id, value);
 }
 
 /// The values of another scheme, or of the factory (-1), with the span and flag of the scheme in force.
-void ISensorController::keepSpanInForce(int source, std::string& text) const {
-    const int inForce = m_nParamScheme;
+void ISensorController::Rooms::keepSpanInForce(int source, std::string& text) const {
+    const int inForce = c.m_nParamScheme;
     std::map<int, int> values;
-    SensorConfigFile* file = schemeFile(inForce);
-    if (file == nullptr || !SensorParameterParser::parseSensorParameter(text, values))
+    if (files.find(inForce) == nullptr || !SensorParameterParser::parseSensorParameter(text, values))
         return;
-    std::map<int, int> own;
-    if (!file->readParametersFromFile(own) || own.empty()) {
+    std::map<int, int> own = files.values(inForce);
+    if (own.empty()) {
         if (source < 0 && inForce == 0)
             return; // nothing is left of it: as on a fresh installation
         const SchemeSpan span = spanOf(inForce);
-        own = {{500, span.flag},
-               {501, span.start / 100},
-               {502, span.start % 100 / 10},
-               {503, span.end / 100},
-               {504, span.end % 100 / 10}};
+        own = {{scheme::EnableId, span.flag},
+               {scheme::StartHourId, span.start / 100},
+               {scheme::StartMinuteId, span.start % 100 / 10},
+               {scheme::EndHourId, span.end / 100},
+               {scheme::EndMinuteId, span.end % 100 / 10}};
     }
-    for (int id = FirstSchemeId; id <= LastSchemeId; ++id)
+    for (int id = scheme::FirstId; id <= scheme::LastId; ++id)
         if (const auto found = own.find(id); found != own.end())
             values[id] = found->second;
     text = SensorParameterParser::createSensorParameterString(values);
@@ -425,118 +320,124 @@ void ISensorController::keepSpanInForce(int source, std::string& text) const {
 
 void ISensorController::reInitSchemeTimeMember() {
     m_nParamSchemeStartTime = 0;
-    m_pLastCache->setSensorValue(501, 0);
-    m_pLastCache->setSensorValue(502, 0);
-    m_nParamSchemeEndTime = NoEndTime;
-    m_pLastCache->setSensorValue(503, NoEndTime / 100);
-    m_pLastCache->setSensorValue(504, 0);
+    m_pLastCache->setSensorValue(scheme::StartHourId, 0);
+    m_pLastCache->setSensorValue(scheme::StartMinuteId, 0);
+    m_nParamSchemeEndTime = span::NoEnd;
+    m_pLastCache->setSensorValue(scheme::EndHourId, span::NoEnd / 100);
+    m_pLastCache->setSensorValue(scheme::EndMinuteId, 0);
 }
 
 int ISensorController::setParamSchemeEnableFlag(int scheme, int flag) {
     std::printf("set p_nScheme:%d flag=%d\n", scheme, flag);
-    if (ParamScheme* record = schemeRecord(scheme))
+    if (ParamScheme* record = m_pRooms->record(scheme))
         record->setEnableFlag(flag);
     return 1;
 }
 
 int ISensorController::setParamSchemeStartTime(int scheme, int time) {
     std::printf("set p_nScheme:%d starttime=%d\n", scheme, time);
-    if (ParamScheme* record = schemeRecord(scheme))
+    if (ParamScheme* record = m_pRooms->record(scheme))
         record->setStartTime(time);
     return 1;
 }
 
 int ISensorController::setParamSchemeEndTime(int scheme, int time) {
     std::printf("set p_nScheme:%d endtime=%d\n", scheme, time);
-    if (ParamScheme* record = schemeRecord(scheme))
+    if (ParamScheme* record = m_pRooms->record(scheme))
         record->setEndTime(time);
     return 1;
 }
 
 int ISensorController::setEnableParam(int flag) { return setParamSchemeEnableFlag(m_nParamScheme, flag); }
 
-void ISensorController::storeSpanStart(int time) {
-    m_nParamSchemeStartTime = time;
-    setParamSchemeStartTime(m_nParamScheme, time);
+void ISensorController::Rooms::storeSpanStart(int time) {
+    c.m_nParamSchemeStartTime = time;
+    c.setParamSchemeStartTime(c.m_nParamScheme, time);
     std::printf("set start time:%d\n", time);
 }
 
-void ISensorController::storeSpanEnd(int time) {
-    m_nParamSchemeEndTime = time;
+void ISensorController::Rooms::storeSpanEnd(int time) {
+    c.m_nParamSchemeEndTime = time;
     // A new text's start of 00:00 needs no setter: its end, which always has one, completes the record.
-    if (ParamScheme* record = schemeRecord(m_nParamScheme))
-        record->setStartTime(m_nParamSchemeStartTime);
-    setParamSchemeEndTime(m_nParamScheme, time);
+    if (ParamScheme* inForce = record(c.m_nParamScheme))
+        inForce->setStartTime(c.m_nParamSchemeStartTime);
+    c.setParamSchemeEndTime(c.m_nParamScheme, time);
     std::printf("set end time:%d\n", time);
 }
 
 int ISensorController::setParamStartTime_H(int hour) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = hourMinute(hour, start % 100);
     std::printf("setParamStartTime_H %d,start=%d,end=%d\n", hour, start, end);
-    if (isSpanChecked() && time > end) {
-        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", time, end);
+    const span::Change change = span::startHour(hour, start, end, m_pRooms->isSpanChecked());
+    switch (change.fault) {
+    case span::Fault::StartAfterEnd:
+        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", change.time, end);
         return 0;
-    }
-    if (hour == 24 && start % 100 > 0) {
+    case span::Fault::BeyondMidnight:
         ErrorPrintf("setParamStartTime_H failed:startTime > 24H,m_nParamSchemeStartTime=%d\n", start);
         return 0;
+    case span::Fault::None:
+        break;
     }
-    storeSpanStart(time);
+    m_pRooms->storeSpanStart(change.time);
     return 1;
 }
 
 int ISensorController::setParamStartTime_M(int tensOfMinutes) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = hourMinute(start / 100, tensOfMinutes * 10LL);
     std::printf("setParamStartTime_M %d,start=%d,end=%d\n", tensOfMinutes, start, end);
-    if (isSpanChecked() && time > end) {
-        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", time, end);
+    const span::Change change = span::startMinute(tensOfMinutes, start, end, m_pRooms->isSpanChecked());
+    switch (change.fault) {
+    case span::Fault::StartAfterEnd:
+        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", change.time, end);
         return 0;
-    }
-    if (tensOfMinutes > 0 && start / 100 == 24) {
+    case span::Fault::BeyondMidnight:
         ErrorPrintf("setParamStartTime_M failed:startTime > 24H,m_nParamSchemeStartTime=%d,p_nParamTime_M=%d\n", start,
                     tensOfMinutes);
         return 0;
+    case span::Fault::None:
+        break;
     }
-    storeSpanStart(time);
+    m_pRooms->storeSpanStart(change.time);
     return 1;
 }
 
 int ISensorController::setParamEndTime_H(int hour) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = hourMinute(hour, end % 100);
     std::printf("setParamEndTime_H %d,start=%d,end=%d\n", hour, start, end);
-    // While no end minute has arrived, the hour alone is compared.
-    const bool isBeforeStart = end == NoEndTime ? hour < start / 100 : time < start;
-    if (isSpanChecked() && isBeforeStart) {
-        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", start, time);
+    const span::Change change = span::endHour(hour, start, end, m_pRooms->isSpanChecked());
+    switch (change.fault) {
+    case span::Fault::StartAfterEnd:
+        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", start, change.time);
         return 0;
-    }
-    if (hour == 24 && end % 100 > 0) {
+    case span::Fault::BeyondMidnight:
         ErrorPrintf("failed:endTime > 24H, m_nParamSchemeEndTime=%d\n", end);
         return 0;
+    case span::Fault::None:
+        break;
     }
-    storeSpanEnd(time);
+    m_pRooms->storeSpanEnd(change.time);
     return 1;
 }
 
 int ISensorController::setParamEndTime_M(int tensOfMinutes) {
     const int start = m_nParamSchemeStartTime;
     const int end = m_nParamSchemeEndTime;
-    const int time = hourMinute(end / 100, tensOfMinutes * 10LL);
     std::printf("setParamEndTime_M %d,start=%d,end=%d\n", tensOfMinutes, start, end);
-    if (isSpanChecked() && time <= start) {
-        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", start, time);
+    const span::Change change = span::endMinute(tensOfMinutes, start, end, m_pRooms->isSpanChecked());
+    switch (change.fault) {
+    case span::Fault::StartAfterEnd:
+        ErrorPrintf("failed:startTime(%d) > endTime(%d)\n", start, change.time);
         return 0;
-    }
-    if (tensOfMinutes > 0 && end / 100 == 24) {
+    case span::Fault::BeyondMidnight:
         ErrorPrintf("failed:endTime > 24H,m_nParamSchemeEndTime=%d,p_nParamTime_M=%d\n", end, tensOfMinutes);
         return 0;
+    case span::Fault::None:
+        break;
     }
-    storeSpanEnd(time);
+    m_pRooms->storeSpanEnd(change.time);
     return 1;
 }

@@ -9,16 +9,16 @@ namespace sensorcontrol {
 
 /// A BRMutex that the thread which holds it may lock again; free once it was unlocked as often.
 /// Use sensorhost::ScopedLock.
-class RecursiveMutex {
+class SENSOR_LOCK RecursiveMutex {
 public:
-    void Lock(const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    void Lock(const char* file = __builtin_FILE(), int line = __builtin_LINE()) SENSOR_ACQUIRES() SENSOR_UNCHECKED {
         if (m_Owner != std::this_thread::get_id()) {
             m_Mutex.Lock(file, line);
             m_Owner = std::this_thread::get_id();
         }
         ++m_nDepth;
     }
-    void Unlock() {
+    void Unlock() SENSOR_RELEASES() SENSOR_UNCHECKED {
         if (--m_nDepth > 0)
             return;
         m_Owner = std::thread::id();

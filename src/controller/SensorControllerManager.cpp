@@ -3,6 +3,7 @@
 #include "controller/SenseControllerFactory.h"
 #include "host/GlobalEnv.h"
 #include "host/ModuleConfigure.h"
+#include "host/ScopedLock.h"
 
 #include <cstdio>
 
@@ -30,12 +31,25 @@ void SensorControllerManager::init(int videoSystem, const VideoResolution& resol
     if (moduleId == 0)
         return;
     m_pSensorController->setOperator(m_pUARTController, m_pGPIO);
-    if (!m_pSensorController->init(videoSystem, configure, resolution)) {
+    m_pSensorController->setObserver(m_pObserver);
+    const auto setStarting = [this](ISensorController* controller) {
+        sensorhost::ScopedLock lock(m_StartMutex);
+        m_pStarting = controller;
+    };
+    setStarting(&*m_pSensorController);
+    const int isUp = m_pSensorController->init(videoSystem, configure, resolution);
+    setStarting(nullptr);
+    if (!isUp) {
         printDiagnostic("SensorControllerManager::initController error");
         return;
     }
     if (m_pGPIO->enable())
         printDiagnostic("!!!!!!!!!!!!!!!!!!SensorControllerManager::init successs");
+}
+
+int SensorControllerManager::cancelStart() {
+    sensorhost::ScopedLock lock(m_StartMutex);
+    return m_pStarting != nullptr ? m_pStarting->cancelStart() : 0;
 }
 
 SafePointer<ISensorController> SensorControllerManager::getSensorController() const { return m_pSensorController; }

@@ -1,5 +1,7 @@
 #include "drivers/Exchange.h"
 
+#include "controller/DriverServices.h"
+#include "controller/Recorder.h"
 #include "host/ScopedLock.h"
 
 #include <algorithm>
@@ -12,30 +14,33 @@ void record(ISensorController& controller, std::span<const char> bytes) {
     controller.recodeArray(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-bool tryOnce(const SerialLine& line, const ExchangeRule& rule, int attempt, std::span<const char> command,
-             std::span<char> reply) {
+using Answer = OperationReport::Answer;
+
+Answer tryOnce(const SerialLine& line, const ExchangeRule& rule, int attempt, std::span<const char> command,
+               std::span<char> reply, int& received) {
     ISensorController& controller = line.controller;
     const int length = static_cast<int>(command.size());
     const int sent = line.port.send(line.handle, command.data(), length);
     if (sent != length) {
         controller.ErrorPrintf("===send(%d times) @%s failed,send(%d):", attempt, rule.name, sent);
         record(controller, command);
-        return false;
+        return Answer::PortFailed;
     }
     const int wanted = static_cast<int>(reply.size());
-    const int received = line.port.recv(line.handle, reply.data(), wanted, rule.timeout);
-    if (received != wanted) {
+    const int result = line.port.recv(line.handle, reply.data(), wanted, rule.timeout);
+    received = std::clamp(result, 0, wanted);
+    if (result != wanted) {
         controller.ErrorPrintf("===recv(%d times) @%s failed,send:", attempt, rule.name);
         record(controller, command);
-        controller.ErrorPrintf("===recv(%d):", received);
-        record(controller, reply.first(static_cast<std::size_t>(std::clamp(received, 0, wanted))));
-        return false;
+        controller.ErrorPrintf("===recv(%d):", result);
+        record(controller, reply.first(static_cast<std::size_t>(received)));
+        return result < 0 ? Answer::PortFailed : result == 0 ? Answer::None : Answer::Cut;
     }
     if (rule.accepts != nullptr && !rule.accepts(controller, command, reply)) {
         rule.reportRefusal(controller, rule, attempt, command, reply);
-        return false;
+        return Answer::Refused;
     }
-    return true;
+    return Answer::Accepted;
 }
 
 } // namespace
@@ -50,13 +55,20 @@ int exchange(const SerialLine& line, const ExchangeRule& rule, const char* bytes
     }
     const std::span<const char> command(bytes, static_cast<std::size_t>(length));
     const std::span<char> received = line.buffer.first(static_cast<std::size_t>(replyLength));
+    const recorder::LogOnly framesTellIt;
     sensorhost::ScopedLock lock(line.mutex);
     for (int attempt = 1; attempt <= rule.tries; ++attempt) {
-        if (tryOnce(line, rule, attempt, command, received)) {
+        int count = 0;
+        const Answer answer = tryOnce(line, rule, attempt, command, received, count);
+        DriverServices::tellPort(line.controller, answer != Answer::PortFailed);
+        recorder::frame(command, answer, received.first(static_cast<std::size_t>(count)));
+        if (answer == Answer::Accepted) {
             if (reply != nullptr)
                 std::ranges::copy(received, reply);
             return 1;
         }
+        if (DriverServices::isEnding(line.controller))
+            return 0;
         line.controller.clearUartBuffer();
     }
     return 0;

@@ -29,7 +29,7 @@ bool isEcho(ISensorController&, std::span<const char> command, std::span<const c
     return std::ranges::equal(command, reply);
 }
 
-constexpr ExchangeRule maskRule{
+constexpr ExchangeRule MaskRule{
     .name = "BRSendParam", .timeout = 5, .accepts = isEcho, .reportRefusal = reportDifference};
 
 } // namespace
@@ -109,5 +109,5 @@ int ITrellisZoomSensorController::sendMaskFrame(int operation, int operand, cons
 int ITrellisZoomSensorController::BRSendParam(const char* command, int length) {
     const SerialLine line{
         *this, *m_pUARTController, m_nUartHandle, m_UartMutex, {m_pRecvBuffer.get(), ReceiveBufferSize}};
-    return exchange(line, maskRule, command, length, length);
+    return exchange(line, MaskRule, command, length, length);
 }

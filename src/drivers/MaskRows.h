@@ -8,7 +8,7 @@
 namespace sensorcontrol {
 
 /// The parameters of the mask unit. Its operations log their failures themselves.
-inline constexpr auto maskRows = std::to_array<ParameterRow>({
+inline constexpr auto MaskRows = std::to_array<ParameterRow>({
     {.id = 65,
      .name = "Region",
      .kind = IdManager::KeepDefault,

@@ -1,7 +1,7 @@
 // The models that there are: a row a module id.
 
 #include "controller/ModelCatalogue.h"
-#include "drivers/ModelDescription.h"
+#include "drivers/ParameterTable.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
 #include "drivers/visca/ViscaModel.h"
@@ -13,11 +13,27 @@ namespace sensorcontrol {
 
 namespace {
 
-struct RegistryRow {
-    int moduleId;
-    ISensorController* (*create)(int moduleId);
-    const ModelDescription& (*describe)();
-};
+ParameterInfo describeRow(const ModelDescription& model, const ParameterRow& row) {
+    ParameterInfo info{row.id, row.name, {}, row.command != nullptr, row.kind, {}, {}};
+    for (const ValueSet::Range& accepted : row.accepts)
+        info.accepts.push_back({accepted.low, accepted.high});
+    if (row.factory.isKnown)
+        info.factoryValue = row.factory.value;
+    info.condition = describe(row.onlyWhile, model);
+    return info;
+}
+
+const ModelDescription& parametersOf(const ModelDescription& model) { return model; }
+const ModelDescription& parametersOf(const ViscaModel& model) { return model.parameters; }
+
+template <class Controller>
+ModelInfo describeModelOf(int moduleId) {
+    const ModelDescription& model = parametersOf(Controller::model());
+    ModelInfo info{moduleId, model.className, model.hasPort, {}};
+    for (const ParameterRow& parameter : model.rows)
+        info.parameters.push_back(describeRow(model, parameter));
+    return info;
+}
 
 /// A controller that stands for several modules is told which.
 template <class Controller>
@@ -29,73 +45,26 @@ ISensorController* make(int moduleId) {
 }
 
 template <class Controller>
-const ModelDescription& parametersOf() {
-    return Controller::model().parameters;
+constexpr CatalogueRow module(int moduleId, const ControllerTraits& traits = {}) {
+    return {moduleId, traits, make<Controller>, describeModelOf<Controller>};
 }
 
-constexpr RegistryRow registry[] = {
-    {4, make<BreltoISPSenseController>, BreltoISPSenseController::model},
-    {5, make<BreltoISPSenseController>, BreltoISPSenseController::model},
-    {6, make<BreltoISPSenseController>, BreltoISPSenseController::model},
-    {16, make<CMD8100SenseController>, parametersOf<CMD8100SenseController>},
+constexpr CatalogueRow Rows[] = {
+    module<BreltoISPSenseController>(4, {.edgesByTable = false}),
+    module<BreltoISPSenseController>(5, {.edgesByTable = false}),
+    module<BreltoISPSenseController>(6, {.edgesByTable = false}),
+    {11, {.filterOffAtFactory = true}},
+    module<CMD8100SenseController>(16, {.filterOffAtFactory = true}),
+    {17, {.isParameterAccessClosed = true}},
+    {19, {.filterOffAtFactory = true}},
+    {21, {.edgesOffWithFilter = true}},
+    {24, {.filterOffAtFactory = true}},
 };
 
-const RegistryRow* findModel(int moduleId) {
-    const auto row = std::ranges::find(registry, moduleId, &RegistryRow::moduleId);
-    return row != std::end(registry) ? row : nullptr;
-}
-
-std::string describeCondition(const ModelDescription& model, const Condition& condition) {
-    if (condition.kind == Condition::WithoutInfrared)
-        return "only without infrared board";
-    if (condition.kind != Condition::WhileStored)
-        return {};
-    const auto other = std::ranges::find(model.rows, condition.storedId, &ParameterRow::id);
-    std::string text = "only while ";
-    text += other != model.rows.end() ? other->name : std::to_string(condition.storedId);
-    const char* separator = " is ";
-    for (int value = 0; value < 32; ++value) {
-        if ((condition.storedValues >> value & 1U) == 0)
-            continue;
-        text += separator + std::to_string(value);
-        separator = " or ";
-    }
-    return text;
-}
-
-ParameterInfo describeRow(const ModelDescription& model, const ParameterRow& row) {
-    ParameterInfo info{row.id, row.name, {}, row.command != nullptr, row.kind, {}, {}};
-    for (const ValueSet::Range& accepted : row.accepts)
-        info.accepts.push_back({accepted.low, accepted.high});
-    if (row.factory.isKnown)
-        info.factoryValue = row.factory.value;
-    info.condition = describeCondition(model, row.onlyWhile);
-    return info;
-}
+static_assert(std::ranges::is_sorted(Rows, {}, &CatalogueRow::moduleId));
 
 } // namespace
 
-std::vector<int> listModuleIds() {
-    std::vector<int> ids;
-    for (const RegistryRow& row : registry)
-        ids.push_back(row.moduleId);
-    return ids;
-}
-
-std::optional<ModelInfo> describeModel(int moduleId) {
-    const RegistryRow* row = findModel(moduleId);
-    if (row == nullptr)
-        return std::nullopt;
-    const ModelDescription& model = row->describe();
-    ModelInfo info{moduleId, model.className, model.hasPort, {}};
-    for (const ParameterRow& parameter : model.rows)
-        info.parameters.push_back(describeRow(model, parameter));
-    return info;
-}
-
-ISensorController* createController(int moduleId) {
-    const RegistryRow* row = findModel(moduleId);
-    return row != nullptr ? row->create(moduleId) : nullptr;
-}
+constinit const std::span<const CatalogueRow> CatalogueRows = Rows;
 
 } // namespace sensorcontrol

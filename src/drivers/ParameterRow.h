@@ -26,7 +26,7 @@ constexpr Condition whileStored(int id, Values... values) {
 }
 
 /// Only on a device without infrared board.
-inline constexpr Condition withoutInfrared{Condition::WithoutInfrared, 0, 0};
+inline constexpr Condition WithoutInfrared{Condition::WithoutInfrared, 0, 0};
 
 /// A factory value, if the row has one.
 struct FactoryValue {

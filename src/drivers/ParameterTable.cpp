@@ -1,5 +1,6 @@
 #include "drivers/ParameterTable.h"
 
+#include "controller/Recorder.h"
 #include "host/BreltoTime.h"
 
 #include <algorithm>
@@ -28,7 +29,8 @@ void logFailure(ISensorController& controller, const ModelDescription& model, co
     ParameterTable::log(controller, text, value);
 }
 
-void logUnserved(ISensorController& controller, const ModelDescription& model, int id) {
+void leaveUnserved(ISensorController& controller, const ModelDescription& model, int id) {
+    recorder::leaveUnserved();
     if (model.unservedText != nullptr)
         ParameterTable::log(controller, model.unservedText, id);
 }
@@ -38,6 +40,12 @@ bool isSettable(const ParameterRow& row) { return !row.send.empty() || row.set !
 void waitAfter(const ModelDescription& model) {
     if (model.waitMicroseconds > 0)
         BreltoTime::wait(BreltoTime(0, model.waitMicroseconds));
+}
+
+int keep(const ModelDescription& model, const ParameterRow& row) {
+    if (recorder::isListening())
+        recorder::keep(describe(row.onlyWhile, model));
+    return 1;
 }
 
 } // namespace
@@ -63,7 +71,7 @@ int ParameterTable::set(ISensorController& controller, const ModelDescription& m
         return ofBase;
     const ParameterRow* row = findRow(model, id);
     if (row == nullptr || !isSettable(*row)) {
-        logUnserved(controller, model, id);
+        leaveUnserved(controller, model, id);
         return model.unservedSetResult;
     }
     if (!apply(controller, model, *row, value)) {
@@ -83,7 +91,7 @@ int ParameterTable::get(ISensorController& controller, const ModelDescription& m
         return 1;
     const ParameterRow* row = findRow(model, id);
     if (row == nullptr || (row->get == nullptr && !row->factory.isKnown)) {
-        logUnserved(controller, model, id);
+        leaveUnserved(controller, model, id);
         return 0;
     }
     if (row->get == nullptr) {
@@ -94,6 +102,24 @@ int ParameterTable::get(ISensorController& controller, const ModelDescription& m
     }
     waitAfter(model);
     return 1;
+}
+
+std::string describe(const Condition& condition, const ModelDescription& model) {
+    if (condition.kind == Condition::WithoutInfrared)
+        return "only without infrared board";
+    if (condition.kind != Condition::WhileStored)
+        return {};
+    const ParameterRow* other = findRow(model, condition.storedId);
+    std::string text = "only while ";
+    text += other != nullptr ? other->name : std::to_string(condition.storedId);
+    const char* separator = " is ";
+    for (int value = 0; value < 32; ++value) {
+        if ((condition.storedValues >> value & 1U) == 0)
+            continue;
+        text += separator + std::to_string(value);
+        separator = " or ";
+    }
+    return text;
 }
 
 int ParameterTable::factoryValue(const ModelDescription& model, int id, int& value) {
@@ -118,16 +144,17 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
     if (isChecked && !row.accepts.contains(value)) {
         if (row.refusal != nullptr)
             log(controller, row.refusal, value);
+        recorder::refuse("not among the accepted values");
         return 0;
     }
     switch (row.onlyWhile.kind) {
     case Condition::WhileStored:
         if (stored < 0 || stored > 31 || (row.onlyWhile.storedValues >> stored & 1U) == 0)
-            return 1;
+            return keep(model, row);
         break;
     case Condition::WithoutInfrared:
         if (controller.m_nInfrared != 0)
-            return 1;
+            return keep(model, row);
         break;
     default:
         break;

@@ -2,9 +2,14 @@
 
 #include "drivers/ModelDescription.h"
 
+#include <string>
+
 class IdManager;
 
 namespace sensorcontrol {
+
+/// When a value is sent, for people: "only while ExposalMode is 2"; empty: always.
+std::string describe(const Condition& condition, const ModelDescription& model);
 
 /// The one gate of every get and set of every model: status, the base class's ids, look-up, range, condition, frame,
 /// failure text, wait. Blocks for the module's exchanges and its wait. Any thread may use it.

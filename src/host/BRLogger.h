@@ -12,10 +12,14 @@ public:
     BRLogger(const BRLogger&) = delete;
     BRLogger& operator=(const BRLogger&) = delete;
 
-    /// Starts the log: at most `size` bytes a file, `count` files. 1, or 0 if the file cannot be written.
+    /// Starts the log: at most `size` bytes a file, `count` files. 1, or 0 if the file cannot be written: then the log
+    /// is tried again as told at writeLog. An empty path, size or count gives 0 and no log.
     int init(const char* path, unsigned int size, unsigned int count);
 
-    /// Appends a line with the time and the tag. Before init, or when the disk is full, it does nothing.
+    /// Appends a line with the time and the tag; before init it does nothing. A line that the log does not take (a full
+    /// or read-only disk, something at its path that is no regular file) is lost, and the log is then left alone for a
+    /// minute of the host's clock: what is logged meanwhile is lost too and costs no system call. The next line after
+    /// that tries again.
     void writeLog(const char* tag, const char* text);
 
 private:

@@ -4,6 +4,7 @@
 #include "host/Function.h"
 
 #include <memory>
+#include <string>
 
 /// What every thread of the host can be asked.
 class SENSORHOST_API BRThread {
@@ -18,7 +19,9 @@ public:
 class SENSORHOST_API GThread : public BRThread {
 public:
     /// The body runs on the new thread; the two other functions run once before the first and once after the last pass.
-    /// The name (cut to what the system allows) shows in the system's tools.
+    /// The system's tools (ps -T) show at most 15 characters of a name. A longer one loses an ending "Thread" there,
+    /// which the others have too ("DayNightChangeThread" shows as "DayNightChange"), and if that is not enough its
+    /// middle: names of one family differ at either end ("ExternalLevelWatcher" shows as "Externa~Watcher").
     GThread(const function<int>& body, const char* name, const function<int>& before, const function<int>& after);
     /// Stops the thread.
     ~GThread() override;
@@ -33,6 +36,9 @@ public:
     int stop();
 
     int IsRunning() const override;
+
+    /// The name in full.
+    const std::string& getName() const;
 
     /// For the functions that a thread does not need.
     static int emptyFun();

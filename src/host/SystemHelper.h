@@ -10,5 +10,6 @@ public:
 };
 
 /// Runs a shell line and waits for its end, at most `timeLimit` seconds; what runs then is ended.
-/// The line's exit status, -1 if it could not be run or ran out of time.
+/// The line's exit status, -1 if it could not be run or ran out of time. What a cp or mv line of plain absolute paths
+/// made is on the disk when the call returns.
 SENSORHOST_API int sy_system(const char* command, int timeLimit);

@@ -80,7 +80,8 @@ public:
     /// close. Gives up what was open. `format` is 1.
     int open(const std::string& path, int format, int mode);
 
-    /// Writes the file unless it was opened for reading only. 1, or 0 if it cannot be written: then the old one stands.
+    /// Writes the file unless it was opened for reading only. 1, or 0 and the old file stands: it cannot be written, or
+    /// would not be read back as what it was changed to (a declaration with quotes in it, bytes that are no UTF-8).
     int close();
 
     /// The name of the root of the open document, or if none is open of the one created next; "config" otherwise.

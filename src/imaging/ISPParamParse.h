@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/DevicePaths.h"
 #include "imaging/ISPParam.h"
 
 class XmlConfigureNode;
@@ -12,7 +13,7 @@ class XmlConfigureNode;
 class ISPParamParse {
 public:
     /// Where the tuning file lies on the device.
-    static constexpr const char* FilePath = "/hd1/program/config/ISPParam.xml";
+    static constexpr const char* FilePath = sensorcontrol::paths::TuningFile;
 
     /// 1, or 0 after a message on the console: no such file, or no tuning file.
     int parse();

@@ -2,9 +2,8 @@
 
 #include "host/BRMutex.h"
 #include "host/Export.h"
-#include "host/ParameterMap.h"
+#include "params/ParameterMap.h"
 
-#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
@@ -37,18 +36,14 @@ public:
 
     /// The value with the lowest id; 0 if there is none.
     int getFirstIdValue(int& id, int& value);
-    /// The one after the last one given; 0 at the end. Only after getFirstIdValue gave 1.
+    /// The one with the next higher id than the last one given, also if values were stored meanwhile; 0 at the end.
+    /// Only after getFirstIdValue gave 1.
     int getNextIdValue(int& id, int& value);
 
 private:
-    template <class Ids>
-    int collect(const Ids& ids, std::string& text) const;
-    int giveAtCursor(int& id, int& value) const;
-
     mutable BRMutex m_Mutex;
-    sensorhost::ParameterMap m_Values;
-    std::size_t m_nCursor = 0;
-    /// Memory of the calls that take or give texts, kept so that repeating them allocates nothing.
-    mutable std::vector<int> m_Ids;
-    mutable sensorhost::ParameterMap m_Selection;
+    sensorcontrol::ParameterMap m_Values SENSOR_GUARDED_BY(m_Mutex);
+    int m_nCursor SENSOR_GUARDED_BY(m_Mutex) = 0; ///< the id given last
+    /// Memory of a call, kept so that repeating it allocates nothing.
+    mutable std::vector<int> m_Ids SENSOR_GUARDED_BY(m_Mutex);
 };

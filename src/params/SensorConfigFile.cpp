@@ -68,9 +68,9 @@ int SensorConfigFile::saveParametersToFile(const std::string& text) {
         output = SensorParameterParser::createSensorParameterString(values);
     } else {
         if (m_nVersion != NoVersion)
-            SensorParameterParser::appendGroup(VersionId, m_nVersion, output);
+            output += SensorParameterParser::createSensorParameterString({{VersionId, m_nVersion}});
         if (m_nVersion2 != NoVersion)
-            SensorParameterParser::appendGroup(Version2Id, m_nVersion2, output);
+            output += SensorParameterParser::createSensorParameterString({{Version2Id, m_nVersion2}});
     }
 
     if (file.write(output.data(), static_cast<int>(output.size())) == -1) {

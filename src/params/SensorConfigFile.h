@@ -3,6 +3,7 @@
 #include "host/BRMutex.h"
 #include "host/Export.h"
 
+#include <atomic>
 #include <map>
 #include <string>
 
@@ -54,8 +55,8 @@ public:
 private:
     int isStoredVersionEqual(int id, int version);
 
-    int m_nVersion = NoVersion;
-    int m_nVersion2 = NoVersion;
+    std::atomic<int> m_nVersion{NoVersion};
+    std::atomic<int> m_nVersion2{NoVersion};
     const std::string m_strFilePath;
     BRMutex m_FileMutex;
 };

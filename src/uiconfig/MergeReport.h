@@ -48,6 +48,7 @@ struct MergeReport {
 
     std::vector<Document> documents; ///< base style and variations, up to one that was not read
     std::vector<Block> blocks;       ///< in document order, up to the one that ended the merge
+    long steps = 0;                  ///< of the look-ups and edits: in step with the tabs and edits that there are
 };
 
 } // namespace sensorcontrol

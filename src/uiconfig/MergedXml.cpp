@@ -2,32 +2,23 @@
 
 #include "host/ModuleParameterParser.h"
 #include "host/xml/XmlShape.h"
+#include "uiconfig/TabList.h"
 #include "uiconfig/UiFile.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <set>
 #include <utility>
 
+using sensorcontrol::keyOf;
 using sensorcontrol::MergeReport;
+using sensorcontrol::TabList;
 using sensorhost::FileText;
 using sensorhost::XmlShape;
 
 namespace {
 
 constexpr std::size_t DetailLimit = 16UL * 1024;
-constexpr long KeysReadLimit = 20'000'000;
-
-/// What the device's 32-bit long makes of it, on every machine.
-std::optional<int> keyOf(const TiXmlElement& element) {
-    const TiXmlAttribute* const first = element.FirstAttribute();
-    if (first == nullptr)
-        return std::nullopt;
-    const long number = std::strtol(first->ValueStr().c_str(), nullptr, 10);
-    return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
-}
 
 /// What stands between the commas, untrimmed; a comma at the end has nothing behind it.
 std::set<std::string> tokensOf(const std::string& text) {
@@ -109,7 +100,7 @@ private:
     bool m_bParsed = false;
 };
 
-MergedXml::MergedXml() = default;
+MergedXml::MergedXml() : m_pTabs(std::make_unique<TabList>(nullptr)) {}
 
 MergedXml::~MergedXml() = default;
 
@@ -149,6 +140,13 @@ int MergedXml::mergeStyleXml(std::string detail) {
     if (!parseInto(m_StyleModify, std::move(modify)))
         report.documents[1].reading = MergeReport::Reading::Broken;
 
+    m_pTabs = std::make_unique<TabList>(m_StyleOriginal.FirstChildElement());
+    const int result = applyBlocks(std::move(detail));
+    report.steps = m_pTabs->steps();
+    return result;
+}
+
+int MergedXml::applyBlocks(std::string detail) {
     ModuleDetail module(std::move(detail));
     const TiXmlElement* block = m_StyleModify.FirstChildElement();
     for (; block != nullptr; block = block->NextSiblingElement()) {
@@ -187,112 +185,75 @@ int MergedXml::apply(const TiXmlElement& block) {
     const TiXmlElement* directive = block.FirstChildElement();
     for (; directive != nullptr; directive = directive->NextSiblingElement()) {
         const std::string& name = directive->ValueStr();
-        if ((name == "Delete" && !deleteTabs(*directive)) || (name == "AddAfter" && !addAfter(*directive)) ||
-            (name == "AddBefore" && !addBefore(*directive)))
+        if (name == "Delete")
+            deleteTabs(*directive);
+        else if ((name == "AddAfter" && !addAfter(*directive)) || (name == "AddBefore" && !addBefore(*directive)))
             return 0;
     }
     return 1;
 }
 
-int MergedXml::deleteTabs(const TiXmlElement& directive) {
+void MergedXml::deleteTabs(const TiXmlElement& directive) {
     const TiXmlElement* entry = directive.FirstChildElement();
     for (; entry != nullptr; entry = entry->NextSiblingElement()) {
         const std::optional<int> key = keyOf(*entry);
-        const int tabs = key ? removeTabs(*key) : 0;
+        const int tabs = m_pTabs->remove(key);
         report({.kind = MergeReport::EditKind::Delete, .key = key, .tabs = tabs, .isDone = true});
-        if (!checkEffort())
-            return 0;
     }
-    return 1;
 }
 
 int MergedXml::deleteTabNode(int key) {
-    removeTabs(key);
+    m_pTabs->remove(key);
     return 1;
-}
-
-int MergedXml::removeTabs(int key) {
-    TiXmlElement* const root = m_StyleOriginal.FirstChildElement();
-    TiXmlElement* tab = root != nullptr ? root->FirstChildElement() : nullptr;
-    int count = 0;
-    while (tab != nullptr) {
-        TiXmlElement* const next = tab->NextSiblingElement();
-        ++m_nKeysRead;
-        if (keyOf(*tab) == key) {
-            tab->Clear();
-            root->RemoveChild(tab);
-            ++count;
-        }
-        tab = next;
-    }
-    return count;
 }
 
 // Each new tab is placed behind the tab that has the key of the one before it. So if a key is there twice, what
 // follows goes behind its first tab, wherever that is.
 int MergedXml::addAfter(const TiXmlElement& directive) {
-    constexpr auto kind = MergeReport::EditKind::AddAfter;
+    constexpr auto Kind = MergeReport::EditKind::AddAfter;
     const TiXmlElement* anchor = directive.FirstChildElement();
     for (; anchor != nullptr; anchor = anchor->NextSiblingElement()) {
         const TiXmlElement* predecessor = anchor;
-        TiXmlNode* last = nullptr;
+        std::optional<TabList::Position> last;
         const TiXmlElement* tab = anchor->FirstChildElement();
         for (; tab != nullptr; tab = tab->NextSiblingElement()) {
             // A new tab without a key cannot be found again: the next one goes behind its copy.
-            TiXmlNode* const found = keyOf(*predecessor) || last == nullptr ? findAnchor(*predecessor) : last;
-            if (found == nullptr)
-                return failAt(kind, *predecessor);
-            last = m_StyleOriginal.FirstChildElement()->InsertAfterChild(found, *tab);
-            report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*predecessor), .tabs = 1, .isDone = true});
+            const std::optional<int> key = keyOf(*predecessor);
+            const std::optional<TabList::Position> found = key ? m_pTabs->find(key) : last;
+            if (!found)
+                return failAt(Kind, *predecessor);
+            last = m_pTabs->addAfter(*found, *tab);
+            report({.kind = Kind, .key = keyOf(*tab), .anchor = key, .tabs = 1, .isDone = true});
             predecessor = tab;
-            if (!checkEffort())
-                return 0;
         }
     }
     return 1;
 }
 
 int MergedXml::addBefore(const TiXmlElement& directive) {
-    constexpr auto kind = MergeReport::EditKind::AddBefore;
+    constexpr auto Kind = MergeReport::EditKind::AddBefore;
     const TiXmlElement* anchor = directive.FirstChildElement();
     for (; anchor != nullptr; anchor = anchor->NextSiblingElement()) {
-        TiXmlNode* const found = findAnchor(*anchor);
-        if (found == nullptr)
-            return failAt(kind, *anchor);
+        const std::optional<TabList::Position> found = m_pTabs->find(keyOf(*anchor));
+        if (!found)
+            return failAt(Kind, *anchor);
         const TiXmlElement* tab = anchor->FirstChildElement();
         for (; tab != nullptr; tab = tab->NextSiblingElement()) {
-            m_StyleOriginal.FirstChildElement()->InsertBeforeChild(found, *tab);
-            report({.kind = kind, .key = keyOf(*tab), .anchor = keyOf(*anchor), .tabs = 1, .isDone = true});
+            m_pTabs->addBefore(*found, *tab);
+            report({.kind = Kind, .key = keyOf(*tab), .anchor = keyOf(*anchor), .tabs = 1, .isDone = true});
         }
-        if (!checkEffort())
-            return 0;
     }
     return 1;
-}
-
-TiXmlNode* MergedXml::findAnchor(const TiXmlElement& anchor) {
-    TiXmlNode* result = nullptr;
-    if (const std::optional<int> key = keyOf(anchor))
-        findNodeByKey(*key, m_StyleOriginal.FirstChildElement(), result);
-    return result;
 }
 
 int MergedXml::findNodeByKey(int key, TiXmlNode* parent, TiXmlNode*& result) {
     TiXmlElement* child = parent != nullptr ? parent->FirstChildElement() : nullptr;
     for (; child != nullptr; child = child->NextSiblingElement()) {
-        ++m_nKeysRead;
         if (keyOf(*child) == key) {
             result = child;
             return 1;
         }
     }
-    return 0;
-}
-
-int MergedXml::checkEffort() const {
-    if (m_nKeysRead <= KeysReadLimit)
-        return 1;
-    std::printf("%s is given up: tabs times edits are too many\n", m_strStyleModifyPath.c_str());
     return 0;
 }
 

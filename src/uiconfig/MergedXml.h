@@ -4,15 +4,20 @@
 #include "host/xml/TinyXml.h"
 #include "uiconfig/MergeReport.h"
 
+#include <memory>
 #include <string>
+
+namespace sensorcontrol {
+class TabList;
+}
 
 /// Makes one style text of a family's base style and of its variations, which say what is different for which module.
 /// One object serves one merge, on one thread. Failures are told on the console.
 ///
 /// The children of the base document's root are the tabs; the first attribute of a tab, whatever its name, is its key,
 /// read as a leading decimal number, 0 if there is none. A tab without attributes has no key and is found by none.
-/// Beyond 1 MiB, 64 elements within each other, 32,768 nodes or 1,024 attributes of an element a file is refused; a
-/// merge that has looked at 20 million keys is given up.
+/// Beyond 1 MiB, 64 elements within each other, 32,768 nodes or 1,024 attributes of an element a file is refused. What
+/// lies within is merged in time that grows with the sizes of the two files, not with their product.
 class SENSORCONTROL_API MergedXml {
 public:
     MergedXml();
@@ -51,14 +56,11 @@ private:
 
     /// The block with its conditions, as far as they were looked at, and what follows from them.
     static sensorcontrol::MergeReport::Block judge(const TiXmlElement& block, ModuleDetail& detail);
+    int applyBlocks(std::string detail);
     int apply(const TiXmlElement& block);
-    int deleteTabs(const TiXmlElement& directive);
+    void deleteTabs(const TiXmlElement& directive);
     int addAfter(const TiXmlElement& directive);
     int addBefore(const TiXmlElement& directive);
-    int removeTabs(int key);
-    TiXmlNode* findAnchor(const TiXmlElement& anchor);
-    /// 1, or 0 after a message if the merge costs more than any useful one.
-    int checkEffort() const;
     void report(const sensorcontrol::MergeReport::Edit& edit);
     int failAt(sensorcontrol::MergeReport::EditKind kind, const TiXmlElement& anchor);
 
@@ -70,6 +72,6 @@ private:
     std::string m_strLangModifyPath;
     TiXmlDocument m_LangOriginal;
     TiXmlDocument m_LangModify;
-    long m_nKeysRead = 0;
+    std::unique_ptr<sensorcontrol::TabList> m_pTabs; ///< of the base document
     sensorcontrol::MergeReport* m_pReport = nullptr;
 };

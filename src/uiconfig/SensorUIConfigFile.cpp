@@ -15,11 +15,11 @@ constexpr int FallbackLanguage = 1;
 constexpr std::size_t LanguageTextsLimit = 32UL * 1024 * 1024;
 
 const std::string& lookUp(const std::map<int, std::string>& texts, int languageId) {
-    static const std::string empty;
+    static const std::string Empty;
     auto found = texts.find(languageId);
     if (found == texts.end())
         found = texts.find(FallbackLanguage);
-    return found != texts.end() ? found->second : empty;
+    return found != texts.end() ? found->second : Empty;
 }
 
 } // namespace

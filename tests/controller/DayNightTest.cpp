@@ -75,6 +75,13 @@ TEST_F(DayNight, NightActsAtOnceAndDayHasToLast) {
     pass();
     c().m_nStatus = 1;
     EXPECT_THAT(pass(), ElementsAre("picture day"));
+    c().setDNSwitchDelay(1000); // a turn to night that failed waits for no delay
+    c().m_FailingCalls = {"picture night"};
+    c().m_nStatus = 0;
+    EXPECT_EQ(c().DNSwitchHandle(), 0);
+    c().m_FailingCalls.clear();
+    c().takeCalls();
+    EXPECT_THAT(pass(), ElementsAre("picture night"));
     c().m_nInfrared = 1; // an old infrared board has its own delay; a new one, none
     c().setDNSwitchDelay(1000);
     c().m_nStatus = 0;

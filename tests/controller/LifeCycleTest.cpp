@@ -170,7 +170,10 @@ TEST_F(LifeCycle, BrokenFilesAreToldAndHealed) {
         ASSERT_EQ(init(), 1);
         EXPECT_EQ(c().getSensorStatus(), 2);
         EXPECT_EQ(file("sensor_Factory.cfg"), FactoryText + "(10000,4)(10001,2)");
-        EXPECT_EQ(hasLogged("sensor1.cfg is unreadable, broken or read-only"), garbage.front() != '\0');
+        EXPECT_TRUE(hasLogged("sensor_Factory.cfg was " + std::string(garbage.front() != '\0' ? "broken" : "empty") +
+                              ", made anew"));
+        EXPECT_TRUE(hasLogged(garbage.front() != '\0' ? "sensor1.cfg was broken, left alone"
+                                                      : "sensor1.cfg was empty, filled with factory values"));
         EXPECT_EQ(values("(1)(2)(3)(503)"), "(1,11)(2,12)(3,13)(503,24)");
         EXPECT_EQ(c().setParameters("(1,6)"), 1);
         EXPECT_EQ(c().flush(), 1);

@@ -85,6 +85,7 @@ TEST_F(ParameterEngine, FlushSavesTheSchemeInForceAndTheEspecialValues) {
     c().m_pIdManager->addParameterId(2, 11);
     EXPECT_EQ(c().flush(), 0);
     EXPECT_TRUE(hasLogged("getEspecialIdValues from Last Cache failed"));
+    EXPECT_TRUE(hasLogged("parameter 11 has no value"));
     EXPECT_EQ(file("sensor1.cfg") + file("sensor_Factory.cfg") + file("sensor_Especial.cfg"), before);
 }
 
@@ -93,7 +94,7 @@ TEST_F(ParameterEngine, FlushStopsAtTheFirstFileThatFails) {
     m_Root.remove(Folder + "sensor1.cfg");
     m_Root.write(Folder + "sensor1.cfg/in the way", "");
     EXPECT_EQ(c().flush(), 0);
-    EXPECT_TRUE(hasLogged("flush failed: the files of parameter scheme 0"));
+    EXPECT_TRUE(hasLogged("flush failed: /mnt/mtd/code/config_file/sensor1.cfg"));
     EXPECT_EQ(file("sensor_Especial.cfg"), "<none>");
     EXPECT_THAT(file("sensor_Factory.cfg"), testing::HasSubstr("(10,111)"));
     m_Root.remove(Folder + "sensor1.cfg");

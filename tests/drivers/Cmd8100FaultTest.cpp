@@ -18,7 +18,7 @@ struct FaultRow {
     const char* maskEvery;
 };
 
-constexpr FaultRow faultRows[] = {
+constexpr FaultRow FaultRows[] = {
     {"silence", "2", "3!", "2", "3!", "2", "3!"},
     {"late:700", "2", "2", "2", "2", "2", "2"}, // the first reply serves the second try
     {"late:3000", "2", "3!", "2", "3!", "2", "3!"},
@@ -103,7 +103,7 @@ protected:
 
 TEST_F(Cmd8100Faults, EveryKindIsOvercomeOrReportedWithinThreeTries) {
     std::set<std::string_view> kinds;
-    for (const FaultRow& row : faultRows) {
+    for (const FaultRow& row : FaultRows) {
         const std::string fault = row.fault;
         kinds.insert(std::string_view(row.fault).substr(0, fault.find(':')));
         for (const bool isOnce : {true, false}) {
@@ -127,16 +127,16 @@ TEST_F(Cmd8100Faults, AStartUnderAnyOfThemEndsAndRemembersOnlyWhatTheBlockHas) {
         std::uint32_t address;
         std::uint32_t ofFactoryValue;
         std::uint32_t before;
-    } registers[] = {{1, 0x4e, 7, 1},  {2, 0x42, 5, 1},  {3, 0x49, 12, 1}, {6, 0xa2, 2, 3},
+    } Registers[] = {{1, 0x4e, 7, 1},  {2, 0x42, 5, 1},  {3, 0x49, 12, 1}, {6, 0xa2, 2, 3},
                      {9, 0x3d, 3, 2},  {10, 0xa1, 3, 2}, {11, 0x53, 6, 1}, {14, 0x2c, 12, 1},
                      {16, 0x28, 2, 1}, {17, 0x58, 1, 0}, {19, 0x35, 4, 9}, {20, 0xa3, 0, 1}};
-    for (const FaultRow& row : faultRows) {
+    for (const FaultRow& row : FaultRows) {
         for (const char* where : {"@every", "@2", "@9-11", "@30+"}) {
             SCOPED_TRACE(std::string(row.fault) + where);
             destroy();
             m_pPort = SafePointer<BlockPort>(new BlockPort);
             m_pPort->line().withBlock([&](camerasim::CameraBlock& block, std::int64_t) {
-                for (const auto& held : registers)
+                for (const auto& held : Registers)
                     block.setRegister(held.address, held.before);
             });
             m_pPort->addFault(row.fault + std::string(where));
@@ -144,7 +144,7 @@ TEST_F(Cmd8100Faults, AStartUnderAnyOfThemEndsAndRemembersOnlyWhatTheBlockHas) {
             const bool hasLostState = std::string_view(row.fault) == "reboot";
             m_pPort->clearFaults();
             m_pClock->advance(30);
-            for (const auto& held : registers)
+            for (const auto& held : Registers)
                 if (known(held.id) != "" && !hasLostState) {
                     EXPECT_EQ(m_pPort->registerValue(held.address), held.ofFactoryValue) << held.id;
                 }
@@ -157,7 +157,7 @@ TEST_F(Cmd8100Faults, AStartUnderAnyOfThemEndsAndRemembersOnlyWhatTheBlockHas) {
 
 TEST_F(Cmd8100Faults, ABlockThatCompletesAfterAcknowledgingIsServedOffsetByOneReply) {
     camerasim::BlockSettings settings;
-    settings.habit = camerasim::ReplyHabit::acknowledgeThenComplete;
+    settings.habit = camerasim::ReplyHabit::AcknowledgeThenComplete;
     m_pPort = SafePointer<BlockPort>(new BlockPort(16, settings));
     start();
     EXPECT_EQ(set(1, 50).frames, "81 01 04 4E 00 00 00 07 FF");

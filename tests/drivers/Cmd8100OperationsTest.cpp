@@ -82,12 +82,12 @@ TEST_F(Cmd8100Operations, VideoSystemIsWrittenOnlyWhenItDiffersAndCostsARestart)
         int videoSystem;
         std::uint32_t value;
         const char* write;
-    } changes[] = {{1, 8, "81 01 04 24 72 00 08 FF"},
+    } Changes[] = {{1, 8, "81 01 04 24 72 00 08 FF"},
                    {0, 6, "81 01 04 24 72 00 06 FF"},
                    {2, 0, "81 01 04 24 72 00 00 FF"},
                    {-1, 0, nullptr},
                    {0, 6, "81 01 04 24 72 00 06 FF"}};
-    for (const auto& change : changes) {
+    for (const auto& change : Changes) {
         made = setVideoSystem(change.videoSystem);
         EXPECT_EQ(
             made,
@@ -132,12 +132,12 @@ TEST_F(Cmd8100Operations, MaskOperationsNeedARegion) {
         int id;
         const char* frame; ///< for region 5
         const char* failure;
-    } operations[] = {{66, "A1 01 05 FF", "setMask failed"},       {67, "A1 04 05 FF", "showMask failed"},
+    } Operations[] = {{66, "A1 01 05 FF", "setMask failed"},       {67, "A1 04 05 FF", "showMask failed"},
                       {68, "A1 05 05 FF", "hideMask failed"},      {69, "A1 06 05 FF", "clearMask failed"},
                       {71, "A1 20 01 FF", "increaseWidth failed"}, {72, "A1 20 02 FF", "decreaseWidth failed"},
                       {73, "A1 20 03 FF", "increaseHight failed"}, {74, "A1 20 04 FF", "decreaseHight failed"}};
     start();
-    for (const auto& operation : operations)
+    for (const auto& operation : Operations)
         EXPECT_EQ(set(operation.id, 9), (Outcome{0, "", "0==m_nRegion"})) << operation.id;
     EXPECT_EQ(set(70, 9), (Outcome{1, "A1 07 00 FF", ""})) << "all masks need no region";
 
@@ -145,12 +145,12 @@ TEST_F(Cmd8100Operations, MaskOperationsNeedARegion) {
     int value = 77;
     EXPECT_EQ(controller().getParameterFromSensor(65, value), 1);
     EXPECT_EQ(value, 0) << "never read back";
-    for (const auto& operation : operations)
+    for (const auto& operation : Operations)
         EXPECT_EQ(set(operation.id, 9), (Outcome{1, operation.frame, ""})) << operation.id;
     EXPECT_EQ(set(70, 9), (Outcome{1, "A1 07 05 FF", ""}));
 
     m_pPort->addFault("silence@every");
-    for (const auto& operation : operations) {
+    for (const auto& operation : Operations) {
         const Outcome silent = set(operation.id, 9);
         EXPECT_EQ(silent.frames, times(3, operation.frame));
         EXPECT_TRUE(silent.log.ends_with(std::string("===recv(0): | ") + operation.failure)) << silent;

@@ -24,13 +24,13 @@ std::vector<int> upTo(int low, int high) {
     return values;
 }
 
-const std::vector<int> fourteenths{0, 8, 15, 22, 29, 36, 43, 50, 58, 65, 72, 79, 86, 93, 100};
-const std::vector<int> gains{0, 1, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 29, 31, 34, 36};
+const std::vector<int> Fourteenths{0, 8, 15, 22, 29, 36, 43, 50, 58, 65, 72, 79, 86, 93, 100};
+const std::vector<int> Gains{0, 1, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 29, 31, 34, 36};
 
-const Setting settings[] = {
-    {1, "Brightness", "p_nBrightness(%d) is out of range", upTo(0, 100), "81 01 04 4E 00 00 00 vv FF", fourteenths},
-    {2, "Sharpness", "p_Sharpness(%d) is out of range", upTo(0, 100), "81 01 04 42 00 00 00 vv FF", fourteenths},
-    {3, "Saturation", "p_nSaturation(%d) is out of range", upTo(0, 100), "81 01 04 49 00 00 00 vv FF", fourteenths},
+const Setting Settings[] = {
+    {1, "Brightness", "p_nBrightness(%d) is out of range", upTo(0, 100), "81 01 04 4E 00 00 00 vv FF", Fourteenths},
+    {2, "Sharpness", "p_Sharpness(%d) is out of range", upTo(0, 100), "81 01 04 42 00 00 00 vv FF", Fourteenths},
+    {3, "Saturation", "p_nSaturation(%d) is out of range", upTo(0, 100), "81 01 04 49 00 00 00 vv FF", Fourteenths},
     {5, "Iris", "p_nIris(%d) is out of range", upTo(5, 17), "81 01 04 4B 00 00 hh ll FF", {}, "(0,2)"},
     {6, "Photometry", "setPhotometry(%d) out of range", {2, 3}, "81 01 04 A2 vv FF"},
     {7, "Shutter", "p_nShutter(%d) is out of range", upTo(0, 18), "81 01 04 4A 00 00 hh ll FF", {}, "(0,1)"},
@@ -38,7 +38,7 @@ const Setting settings[] = {
     {10, "DeFog", "p_nDeFog(%d) is out of range", {2, 3}, "81 01 04 A1 vv FF"},
     {11, "NoiseReduction", "p_nNR(%d) is out of range", upTo(0, 6), "81 01 04 53 vv FF"},
     {13, "Threshold", "p_nThreshold(%d) is out of range", upTo(0, 28), "81 01 04 21 00 00 hh ll FF"},
-    {14, "MaxGain", "p_nMaxGain(%d) is out of range", upTo(0, 38), "81 01 04 2C vv FF", gains},
+    {14, "MaxGain", "p_nMaxGain(%d) is out of range", upTo(0, 38), "81 01 04 2C vv FF", Gains},
     {16, "FocusNearLimit", "p_nFocusNearLimit(%d) is out of range", upTo(0, 4), "81 01 04 28 00 00 00 vv FF"},
     {17, "Sensitivity", "setSensitivity(%d) out of range", upTo(1, 6), "81 01 04 58 vv FF", {1, 2, 3, 4, 5, 6}},
     {19, "WBMode", "setWBMode(%d) out of range", {0, 4, 9}, "81 01 04 35 vv FF"},
@@ -75,7 +75,7 @@ class Cmd8100Parameters : public QuietCmd8100 {};
 
 TEST_F(Cmd8100Parameters, EveryValueOfASettingIsItsCommandOrARefusal) {
     start();
-    for (const Setting& setting : settings) {
+    for (const Setting& setting : Settings) {
         controller().setParameters(setting.first);
         std::vector<int> values = upTo(setting.accepts.front() - 2, setting.accepts.back() + 2);
         values.insert(values.end(), {INT_MIN, INT_MAX, 256 + setting.accepts.front()});
@@ -135,13 +135,13 @@ TEST_F(Cmd8100Parameters, ExposureModeSendsWhatBelongsToItAgain) {
 }
 
 TEST_F(Cmd8100Parameters, MirrorFollowsTheGeneration) {
-    static constexpr const char* common[] = {"03|03", "02|03", "03|02", "02|02"};
-    static constexpr const char* fourth[] = {"02|02", "03|02", "02|03", "03|03"};
+    static constexpr const char* Common[] = {"03|03", "02|03", "03|02", "02|02"};
+    static constexpr const char* Fourth[] = {"02|02", "03|02", "02|03", "03|03"};
     for (const char* generation : {"generation=3", "generation=4", "", "generation=x", "generation=04"}) {
         start(0, generation);
         const bool isFourth = std::string(generation).ends_with("4");
         for (int mirror = 0; mirror < 4; ++mirror) {
-            const std::string bytes = (isFourth ? fourth : common)[mirror];
+            const std::string bytes = (isFourth ? Fourth : Common)[mirror];
             EXPECT_EQ(
                 set(4, mirror),
                 (Outcome{1, "81 01 04 61 " + bytes.substr(0, 2) + " FF | 81 01 04 66 " + bytes.substr(3) + " FF", ""}))
@@ -205,13 +205,13 @@ TEST_F(Cmd8100Parameters, LightsSpeakToTheInfraredBoardOnly) {
         const char* name;
         int highest;
         const char* frame; ///< of the highest value
-    } lights[] = {{56, "setPowerMode", 1, "FE 01 1E 02 01 01 23 FF"},
+    } Lights[] = {{56, "setPowerMode", 1, "FE 01 1E 02 01 01 23 FF"},
                   {57, "setNearLight", 100, "FE 01 1E 02 06 64 8B FF"},
                   {58, "setMiddleLight", 100, "FE 01 1E 02 07 64 8C FF"},
                   {59, "setFarLight", 100, "FE 01 1E 02 08 64 8D FF"}};
     for (const int infrared : {0, 1, 2}) {
         start(infrared);
-        for (const auto& light : lights) {
+        for (const auto& light : Lights) {
             EXPECT_EQ(set(light.id, light.highest), (Outcome{1, infrared == 0 ? "" : light.frame, ""})) << infrared;
             for (const int wrong : {-1, light.highest + 1, INT_MIN})
                 EXPECT_EQ(
@@ -271,7 +271,7 @@ TEST_F(Cmd8100Parameters, AFailedExchangeIsToldByTheTextOfItsRow) {
                                                              {58, "setMiddleLight"},
                                                              {59, "setFarLight"}})
         failures.push_back({id, 1, regular(name, 1)});
-    for (const Setting& setting : settings)
+    for (const Setting& setting : Settings)
         if (setting.id != 13)
             failures.push_back(
                 {setting.id, setting.accepts[1], regular(std::string("set") + setting.name, setting.accepts[1])});

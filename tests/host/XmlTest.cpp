@@ -5,6 +5,7 @@
 #include "host/linux/HostSettings.h"
 #include "support/TempRoot.h"
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,184 +13,138 @@
 
 namespace {
 
-constexpr const char* PATH = "/mnt/mtd/code/config_file/sensor.xml";
+constexpr const char* Path = "/mnt/mtd/code/config_file/sensor.xml";
 
-void create(const char* path, const std::string& index, const std::string& mode) {
-    XmlConfigureTool tool;
-    ASSERT_NE(tool.open(path, 1, XmlConfigureTool::Create), 0);
-    ASSERT_NE(tool.setRootNodeName("sensor"), 0);
-    XmlConfigureNode node("paramScheme", 1);
-    for (const auto& [name, value] : {std::pair{"SchemeIndex", index}, {"SchemeMode", mode}}) {
-        XmlConfigureItem item(1);
-        EXPECT_NE(item.setProperty("name", std::string(name)), 0);
+/// A node with an item for each value.
+XmlConfigureNode makeNode(const std::string& name, const std::vector<std::string>& values) {
+    XmlConfigureNode node(name);
+    XmlConfigureItem item;
+    for (const std::string& value : values) {
         EXPECT_NE(item.setProperty("value", value), 0);
-        EXPECT_NE(node.addItem(item), 0);
+        EXPECT_NE(node.addItem(item), 0) << "a copy";
     }
-    EXPECT_NE(tool.addConfigNode(node), 0);
-    ASSERT_NE(tool.close(), 0);
+    return node;
 }
 
-std::string valueOfItem(const char* path, std::size_t number) {
+/// The file's root, and its nodes with the values of their items: "root node:a,b, node:".
+std::string read(const std::string& path) {
     XmlConfigureTool tool;
-    XmlConfigureNode node;
-    std::vector<XmlConfigureItem> items;
-    std::string value = "(none)";
-    if (tool.open(path, 1, XmlConfigureTool::ReadOnly) == 0 || tool.getConfigNode("paramScheme", node) == 0)
-        return "(no node)";
-    node.getItemList(items);
-    if (number < items.size())
-        items[number].getProperty("value", value);
-    return value;
+    std::vector<XmlConfigureNode> nodes;
+    if (tool.open(path, 1, XmlConfigureTool::ReadOnly) == 0 || tool.getAllConfigNodeList(nodes) == 0)
+        return "unreadable";
+    EXPECT_EQ(tool.removeConfigNode("n") + tool.addConfigNode(XmlConfigureNode("n")), 0) << "opened for reading only";
+    std::string text = tool.getRootNodeName();
+    for (const XmlConfigureNode& node : nodes) {
+        text += ' ' + node.getNodeName() + ':';
+        std::vector<XmlConfigureItem> items;
+        EXPECT_NE(node.getItemList(items), 0);
+        for (const XmlConfigureItem& item : items) {
+            std::string value = "(none)";
+            item.getProperty("value", value);
+            text += value + ',';
+        }
+    }
+    return text;
 }
 
-TEST(XmlConfigureTool, createsReadsAndChanges) {
+TEST(XmlConfigureTool, CreatesReadsChangesAndReplaces) {
     const TempRoot root;
     const std::string odd = "<&>\"' \xc3\xa4\n\t";
-    create(PATH, "3", odd);
-    EXPECT_EQ(valueOfItem(PATH, 0), "3");
-    EXPECT_EQ(valueOfItem(PATH, 1), odd);
-    EXPECT_EQ(valueOfItem(PATH, 2), "(none)");
-    {
-        XmlConfigureTool tool;
-        ASSERT_NE(tool.open(PATH, 1, XmlConfigureTool::Change), 0);
-        EXPECT_EQ(tool.getRootNodeName(), "sensor");
-        XmlConfigureNode node;
-        ASSERT_NE(tool.getConfigNode("paramScheme", node), 0);
-        std::vector<XmlConfigureItem> items;
-        ASSERT_NE(node.getItemList(items), 0);
-        ASSERT_EQ(items.size(), 2U);
-        // A copy of a document's item stands for the same element.
-        XmlConfigureItem item = items[1];
-        EXPECT_NE(item.setProperty("value", 0), 0);
-        EXPECT_NE(tool.close(), 0);
-        EXPECT_EQ(tool.close(), 0);
-    }
-    EXPECT_EQ(valueOfItem(PATH, 0), "3");
-    EXPECT_EQ(valueOfItem(PATH, 1), "0");
-}
-
-TEST(XmlConfigureTool, replacesANode) {
-    const TempRoot root;
     XmlConfigureTool tool;
-    EXPECT_NE(tool.setRootNodeName("IRConfig"), 0);
-    ASSERT_NE(tool.open("/ir.xml", 1, XmlConfigureTool::Create), 0);
-    for (const int version : {1, 7}) {
-        EXPECT_EQ(tool.removeConfigNode("version"), version == 1 ? 0 : 1);
-        XmlConfigureNode node("version");
-        XmlConfigureItem item;
-        item.setProperty("version", version);
-        node.addItem(item);
-        item.setProperty("version", 99);
-        tool.addConfigNode(node);
-    }
+    EXPECT_NE(tool.setRootNodeName("sensor"), 0);
+    ASSERT_NE(tool.open(Path, 1, XmlConfigureTool::Create), 0);
+    EXPECT_NE(tool.addConfigNode(makeNode("n", {"3", odd})), 0);
+    EXPECT_NE(tool.addConfigNode(makeNode("m", {"9"})), 0);
+    EXPECT_FALSE(root.exists(Path)) << "written at the end";
     ASSERT_NE(tool.close(), 0);
-    ASSERT_NE(tool.open("/ir.xml", 1, XmlConfigureTool::ReadOnly), 0);
-    EXPECT_EQ(tool.getRootNodeName(), "IRConfig");
-    std::vector<XmlConfigureNode> nodes;
-    ASSERT_NE(tool.getAllConfigNodeList(nodes), 0);
-    ASSERT_EQ(nodes.size(), 1U);
+    EXPECT_EQ(read(Path), "sensor n:3," + odd + ", m:9,");
+
+    XmlConfigureNode node;
     std::vector<XmlConfigureItem> items;
-    nodes[0].getItemList(items);
-    int version = 0;
-    ASSERT_EQ(items.size(), 1U);
-    EXPECT_NE(items[0].getProperty("version", version), 0);
-    EXPECT_EQ(version, 7);
-    EXPECT_EQ(tool.removeConfigNode("version"), 0) << "opened for reading only";
-    EXPECT_EQ(tool.addConfigNode(nodes[0]), 0);
+    ASSERT_NE(tool.open(Path, 1, XmlConfigureTool::Change), 0);
+    ASSERT_NE(tool.getConfigNode("n", node), 0);
+    ASSERT_NE(node.getItemList(items), 0);
+    XmlConfigureItem item = items.at(1);
+    EXPECT_NE(item.setProperty("value", 0), 0) << "a copy of a document's item stands for the same element";
+    EXPECT_EQ(tool.removeConfigNode("m"), 1);
+    EXPECT_EQ(tool.removeConfigNode("m"), 0);
+    tool.addConfigNode(makeNode("m", {"7"}));
+    EXPECT_NE(tool.close(), 0);
+    EXPECT_EQ(tool.close(), 0);
+    EXPECT_EQ(read(Path), "sensor n:3,0, m:7,");
 }
 
-TEST(XmlConfigureTool, readsPropertiesByType) {
+TEST(XmlConfigureTool, ReadsPropertiesByType) {
     const TempRoot root;
     root.write("/x.xml",
-               "<r><n a='12' b='-7' c='true' d='0' e='' f='12x' g='99999999999' h='yes'/><item/><n z='1'/></r>");
+               "<r><n a='12' b='-7' c='true' d='0' e='' f='12x' g='99999999999' h='yes'/><item/><n a='1'/></r>");
     XmlConfigureTool tool;
     ASSERT_NE(tool.open("/x.xml", 1, XmlConfigureTool::ReadOnly), 0);
     XmlConfigureNode node;
-    EXPECT_EQ(tool.getConfigNode("missing", node), 0);
-    EXPECT_EQ(tool.getConfigNode("item", node), 0);
+    EXPECT_EQ(tool.getConfigNode("missing", node) + tool.getConfigNode("item", node), 0);
     ASSERT_NE(tool.getConfigNode("n", node), 0);
-    int number = 5;
-    bool truth = false;
+    std::istringstream rows(
+        "a 12 12 ? b -7 -7 ? c true 5 1 d 0 0 0 f 12x 5 ? g 99999999999 5 ? h yes 5 ? missing ? 5 ?");
     std::string text = "?";
-    EXPECT_NE(node.getProperty("b", number), 0);
-    EXPECT_NE(node.getProperty("c", truth), 0);
-    for (const char* name : {"e", "f", "g", "missing"})
-        EXPECT_EQ(node.getProperty(name, number), 0) << name;
-    for (const char* name : {"a", "e", "h", "missing"})
-        EXPECT_EQ(node.getProperty(name, truth), 0) << name;
-    EXPECT_EQ(node.getProperty("missing", text), 0);
-    EXPECT_EQ(number, -7);
-    EXPECT_TRUE(truth);
-    EXPECT_EQ(text, "?");
-    EXPECT_NE(node.getProperty("d", truth), 0);
-    EXPECT_FALSE(truth);
     EXPECT_NE(node.getProperty("e", text), 0);
     EXPECT_EQ(text, "");
-
+    std::string name;
+    int number = 0;
+    for (char truth = 0; rows >> name >> text >> number >> truth;) {
+        std::string asText = "?";
+        int asNumber = 5;
+        const int isThere = node.getProperty(name, asText);
+        const int isNumber = node.getProperty(name, asNumber);
+        EXPECT_EQ(isThere, asText != "?") << name;
+        EXPECT_EQ(asText, text);
+        EXPECT_EQ(isNumber, asNumber != 5) << name;
+        EXPECT_EQ(asNumber, number) << name;
+        for (const bool before : {false, true}) {
+            bool asTruth = before;
+            const int isTruth = node.getProperty(name, asTruth);
+            EXPECT_EQ(isTruth, truth != '?') << name;
+            EXPECT_EQ(asTruth, truth == '?' ? before : truth == '1') << name;
+        }
+    }
     XmlConfigureItem item;
-    for (const char* name : {"", "a b", "1a", "a=", "<"})
-        EXPECT_EQ(item.setProperty(name, 1), 0) << name;
+    for (const char* odd : {"", "a b", "1a", "a=", "<"})
+        EXPECT_EQ(item.setProperty(odd, 1), 0) << odd;
     EXPECT_EQ(item.setProperty("a", std::string("x\0y", 3)), 0);
 }
 
-std::string nested(int depth, const std::string& between = "") {
-    std::string text;
-    for (int i = 0; i < depth; ++i)
-        text += "<a>" + between;
-    for (int i = 0; i < depth; ++i)
-        text += "</a>";
-    return text;
-}
-
-template <class Part>
-std::string repeated(int count, Part part) {
+std::string times(int count, const std::string& part) {
     std::string text;
     for (int i = 0; i < count; ++i)
-        text += part(i);
+        text += part;
     return text;
 }
 
-std::string unclosed(int depth, const std::string& between) {
-    return repeated(depth, [&](int) { return "<a>" + between; });
+std::string nested(int depth, const std::string& between = "") {
+    return times(depth, "<a>" + between) + times(depth, "</a>");
 }
 
-TEST(XmlConfigureTool, refusesBrokenFiles) {
+TEST(XmlConfigureTool, RefusesBrokenFiles) {
     const TempRoot root;
-    const std::vector<std::pair<const char*, std::string>> files{
-        {"empty", ""},
-        {"no element", "only text"},
-        {"comment only", "<!-- nothing -->"},
-        {"not closed", "<a><b></b>"},
-        {"closed twice", "<a></a></a>"},
-        {"crossed", "<a><b></a></b>"},
-        {"cut in a tag", "<a b="},
-        {"cut in a value", "<a b=\"c"},
-        {"cut in a comment", "<a><!-- x </a>"},
-        {"zeros", std::string(100, '\0')},
-        {"noise", "\x7f\x45LF\x01\x02<<<>>>\"'"},
-        {"deep", nested(100'000)},
-        {"deep, hidden by comments", nested(100'000, "<!-- </a> -->")},
-        {"deep, hidden by values", nested(100'000, "<b c='</a>'/>")},
-        {"deep, hidden by character data", nested(50'000, "<![CDATA[</a>]]>")},
-        {"deep, hidden by declarations", nested(50'000, "<?xml version=\"></a>\"?>")},
-        {"deep, hidden by unknown tags", nested(50'000, "<!x \"></a>\">")},
-        {"deep, hidden by character references", unclosed(50'000, "&#x</a>x41;")},
-        {"too many attributes", "<a " + repeated(1025, [](int i) { return 'b' + std::to_string(i) + "='' "; }) + "/>"},
-        {"too many elements", "<a>" + repeated(32'768, [](int) { return "<b/>"; }) + "</a>"},
-        {"long", "<a>" + std::string(1024 * 1024, ' ') + "</a>"},
-    };
-    for (const auto& [name, text] : files) {
+    std::string attributes;
+    for (int i = 0; i < 1025; ++i)
+        attributes += 'b' + std::to_string(i) + "='' ";
+    std::vector<std::string> texts{std::string(100, '\0'), nested(100'000), "<a " + attributes + "/>",
+                                   "<a>" + times(32'768, "<b/>") + "</a>",
+                                   "<a>" + std::string(1024 * 1024, ' ') + "</a>"};
+    for (const char* const text : {"", "only text", "<!-- nothing -->", "<a><b></b>", "<a></a></a>", "<a><b></a></b>",
+                                   "<a b=", "<a b=\"c", "<a><!-- x </a>", "\x7f\x45LF\x01\x02<<<>>>\"'"})
+        texts.emplace_back(text);
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(text.substr(0, 40));
         root.write("/x.xml", text);
         XmlConfigureTool tool;
-        EXPECT_EQ(tool.open("/x.xml", 1, XmlConfigureTool::ReadOnly), 0) << name;
-        EXPECT_EQ(tool.open("/x.xml", 1, XmlConfigureTool::Change), 0) << name;
-        EXPECT_EQ(tool.close(), 0) << name;
-        EXPECT_EQ(root.read("/x.xml"), text) << name;
+        EXPECT_EQ(tool.open("/x.xml", 1, XmlConfigureTool::ReadOnly), 0);
+        EXPECT_EQ(tool.open("/x.xml", 1, XmlConfigureTool::Change), 0);
         XmlConfigureNode node;
         std::vector<XmlConfigureNode> nodes;
-        EXPECT_EQ(tool.getConfigNode("a", node), 0);
-        EXPECT_EQ(tool.getAllConfigNodeList(nodes), 0);
-        EXPECT_EQ(tool.addConfigNode(node), 0);
+        EXPECT_EQ(tool.getConfigNode("a", node) + tool.getAllConfigNodeList(nodes) + tool.addConfigNode(node), 0);
+        EXPECT_EQ(tool.close(), 0);
+        EXPECT_EQ(root.read("/x.xml"), text);
     }
     XmlConfigureTool tool;
     EXPECT_EQ(tool.open("/missing.xml", 1, XmlConfigureTool::ReadOnly), 0);
@@ -199,86 +154,95 @@ TEST(XmlConfigureTool, refusesBrokenFiles) {
     EXPECT_FALSE(root.exists("/missing.xml"));
 }
 
-TEST(XmlConfigureTool, readsUnusualButSoundFiles) {
+TEST(XmlConfigureTool, ReadsUnusualButSoundFilesUpToADepth) {
     const TempRoot root;
-    const std::vector<std::string> texts{
-        nested(64),
-        "\xef\xbb\xbf<?xml version=\"1.0\"?>\n<!DOCTYPE a>\n<!-- > </b> \" -->\n<a b='>' c=\"'\"><d/></a>\n",
-        "<a/>" + std::string(50, '\0') + "</rest of an older text>",
-        "<a><![CDATA[</a>]]></a>",
-    };
-    for (const std::string& text : texts) {
+    const auto rootOf = [&root](const std::string& text) {
         root.write("/x.xml", text);
-        XmlConfigureTool tool;
-        EXPECT_NE(tool.open("/x.xml", 1, XmlConfigureTool::ReadOnly), 0) << text;
-        EXPECT_EQ(tool.getRootNodeName(), "a") << text;
+        return read("/x.xml").substr(0, 2);
+    };
+    EXPECT_EQ(
+        rootOf("\xef\xbb\xbf<?xml version=\"1.0\"?>\n<!DOCTYPE a>\n<!-- > </b> \" -->\n<a b='>' c=\"'\"><d/></a>"),
+        "a ");
+    EXPECT_EQ(rootOf("<a/>" + std::string(50, '\0') + "</rest of an older text>"), "a");
+    for (const char* const hiding : {"", "<!-- </a> -->", "<b c='</a>'/>", "<![CDATA[</a>]]>",
+                                     "<?xml version=\"></a>\"?>", "<!x </a>", "&#x41;"}) {
+        EXPECT_EQ(rootOf(nested(63, hiding)), "a ") << hiding;
+        EXPECT_EQ(rootOf(nested(65, hiding)), "un") << hiding;
     }
 }
 
-TEST(XmlConfigureTool, aFullDiskLeavesTheOldFile) {
+TEST(XmlConfigureTool, WhatWouldNotBeReadBackAsItIsLeavesTheOldFile) {
     const TempRoot root;
-    create(PATH, "3", "1");
-    const std::string before = root.read(PATH);
-    XmlConfigureTool tool;
-    ASSERT_NE(tool.open(PATH, 1, XmlConfigureTool::Change), 0);
-    XmlConfigureNode node("more");
-    node.setProperty("text", std::string(2000, 'x'));
-    tool.addConfigNode(node);
+    const auto closes = [&root](const std::string& text, const std::string& value) {
+        root.write("/x.xml", text);
+        XmlConfigureTool tool;
+        EXPECT_NE(tool.open("/x.xml", 1, XmlConfigureTool::Change), 0) << text;
+        XmlConfigureNode node("n");
+        EXPECT_NE(node.setProperty("v", value), 0);
+        EXPECT_NE(tool.addConfigNode(node), 0);
+        const bool isClosed = tool.close() != 0;
+        EXPECT_EQ(root.read("/x.xml") == text, !isClosed) << text;
+        return isClosed;
+    };
+    EXPECT_TRUE(closes("<?xml version='1.0'?><!-- a --><!b><a c='&lt;&quot;'>d<![CDATA[<e>]]><f/></a>", "&amp;"));
+    EXPECT_FALSE(closes("<a/>", "\xff"));
+    for (const char* const odd : {"<a>&#x20;b</a>", "<?xml version='\"'?><a/>", "<?xml encoding='&amp;lt;'?><a/>",
+                                  "<?xml standalone='&quot;?><b/>'?><a/>"})
+        EXPECT_FALSE(closes(odd, "1")) << odd;
+}
+
+TEST(XmlConfigureTool, AFullDiskLeavesTheOldFile) {
+    const TempRoot root;
+    root.write(Path, "<sensor/>");
     const FullDisk disk(1000);
-    EXPECT_EQ(tool.close(), 0);
-    EXPECT_EQ(root.read(PATH), before);
-    EXPECT_NE(tool.open("/new.xml", 1, XmlConfigureTool::Create), 0);
-    tool.addConfigNode(node);
-    EXPECT_EQ(tool.close(), 0);
+    for (const auto& [path, mode] :
+         {std::pair(Path, XmlConfigureTool::Change), {"/new.xml", XmlConfigureTool::Create}}) {
+        XmlConfigureTool tool;
+        ASSERT_NE(tool.open(path, 1, mode), 0);
+        tool.addConfigNode(makeNode("more", {std::string(2000, 'x')}));
+        EXPECT_EQ(tool.close(), 0);
+    }
+    EXPECT_EQ(root.read(Path), "<sensor/>");
     EXPECT_FALSE(root.exists("/new.xml"));
 }
 
-std::string idsOf(const std::vector<ModuleConfigure>& modules) {
-    std::string ids;
-    for (const ModuleConfigure& module : modules)
-        ids += std::to_string(module.getModuleId()) + ' ';
-    return ids;
-}
+const std::string SampleFolder = std::string(SENSORCONTROL_SOURCE_DIR) + "/docs/samples/moduleConfig/";
 
-TEST(Samples, theModuleListAndItsSelectors) {
-    const std::string file = std::string(SENSORCONTROL_SOURCE_DIR) + "/docs/samples/moduleConfig/moduleConfig.xml";
-    const auto select = [&](const char* product, const char* board) {
+TEST(Samples, TheModuleListAndItsSelectors) {
+    const auto select = [](const char* product, const char* board) {
         std::vector<ModuleConfigure> modules;
-        EXPECT_NE(ModuleConfigureParser::parse(file, product, board, modules), 0);
-        return idsOf(modules);
+        EXPECT_NE(ModuleConfigureParser::parse(SampleFolder + "moduleConfig.xml", product, board, modules), 0);
+        std::string text;
+        for (const ModuleConfigure& module : modules)
+            text += std::to_string(module.getModuleId()) + ' ';
+        return text + (modules.size() == 1 ? modules[0].getDetail() + ' ' + modules[0].getParameters() : "");
     };
     EXPECT_EQ(select("", ""), "16 16 4 6 ");
     EXPECT_EQ(select("dome", ""), "16 16 ");
-    EXPECT_EQ(select("bullet", "B2"), "4 ");
     EXPECT_EQ(select("", "A1"), "16 4 6 ");
     EXPECT_EQ(select("turret", "A1"), "");
-    std::vector<ModuleConfigure> modules(1);
-    ASSERT_NE(ModuleConfigureParser::parse(file, "dome", "A2", modules), 0);
-    ASSERT_EQ(modules.size(), 2U);
-    EXPECT_EQ(modules[1].getDetail(), "RS485=/dev/ttyS1;isInfrared=1;generation=3;GPIO=0,12,1");
-    EXPECT_EQ(modules[1].getParameters(), "RS485=9600,8,1,0;GUIConfig=cameraGui.xml;Prefix=camera");
-    EXPECT_EQ(ModuleConfigureParser::parse("/missing.xml", "", "", modules), 0);
-    EXPECT_EQ(modules.size(), 2U);
+    EXPECT_EQ(select("bullet", "B2").substr(0, 2), "4 ");
+    EXPECT_EQ(select("dome", "A2"), "16 RS485=/dev/ttyS1;isInfrared=1;generation=3;GPIO=0,12,1 "
+                                    "RS485=9600,8,1,0;GUIConfig=cameraGui.xml;Prefix=camera");
 }
 
-TEST(Samples, theLanguageListAndEntriesThatLackSomething) {
-    std::vector<SensorLanguageConfig> languages;
-    ASSERT_NE(SensorLanguageConfigParser::parse(std::string(SENSORCONTROL_SOURCE_DIR) +
-                                                    "/docs/samples/moduleConfig/sensorConfig/SensorLanguageConfig.xml",
-                                                languages),
-              0);
-    ASSERT_EQ(languages.size(), 2U);
-    EXPECT_EQ(languages[1].getLanguageId(), 2);
-    EXPECT_EQ(languages[1].getFolderName(), "german");
-
+TEST(Samples, TheLanguageListAndEntriesThatLackSomething) {
+    const auto read = [](const std::string& path) {
+        std::vector<SensorLanguageConfig> languages;
+        std::string text = std::to_string(SensorLanguageConfigParser::parse(path, languages));
+        for (const SensorLanguageConfig& language : languages)
+            text += ' ' + std::to_string(language.getLanguageId()) + ' ' + language.getFolderName();
+        return text;
+    };
+    EXPECT_EQ(read(SampleFolder + "sensorConfig/SensorLanguageConfig.xml"), "1 1 english 2 german");
     const TempRoot root;
     root.write("/l.xml", "<l><language id='x' folder='a'/><language id='2'/><other id='3' folder='b'/>"
                          "<language id='4' folder='c'/></l>");
-    languages.clear();
-    ASSERT_NE(SensorLanguageConfigParser::parse("/l.xml", languages), 0);
-    ASSERT_EQ(languages.size(), 1U);
-    EXPECT_EQ(languages[0].getLanguageId(), 4);
-    EXPECT_EQ(SensorLanguageConfigParser::parse("/missing.xml", languages), 0);
+    EXPECT_EQ(read("/l.xml"), "1 4 c");
+    EXPECT_EQ(read("/missing.xml"), "0");
+    std::vector<ModuleConfigure> modules(1);
+    EXPECT_EQ(ModuleConfigureParser::parse("/missing.xml", "", "", modules), 0);
+    EXPECT_EQ(modules.size(), 1U);
 }
 
 } // namespace

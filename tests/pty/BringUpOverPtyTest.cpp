@@ -83,7 +83,7 @@ TEST_F(OverPty, SavedValuesComeBackAfterARestart) {
 TEST_F(OverPty, TheBlocksReportSwitchesDayAndNight) {
     ISensorController& controller = bringUp();
     m_pServer->withBlock(
-        [](camerasim::CameraBlock& block, std::int64_t) { block.setAmbient(camerasim::Ambient::dark); });
+        [](camerasim::CameraBlock& block, std::int64_t) { block.setAmbient(camerasim::Ambient::Dark); });
     m_pClock->advance(3);
     int status = -1;
     ASSERT_EQ(controller.getCurrentDNStatus(status), 1);

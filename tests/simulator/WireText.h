@@ -12,42 +12,53 @@
 
 namespace camerasim {
 
+/// A table written as text: rows parted by '|', their cells by '='.
+inline std::vector<std::vector<std::string>> table(const std::string& text) {
+    std::vector<std::vector<std::string>> rows{{""}};
+    for (const char c : text)
+        if (c == '|')
+            rows.push_back({""});
+        else if (c == '=')
+            rows.back().emplace_back();
+        else
+            rows.back().back() += c;
+    return rows;
+}
+
 /// Bytes of a text like "90 41 FF".
-inline std::vector<std::uint8_t> wire(const std::string& p_strHex) {
-    std::istringstream text(p_strHex);
+inline std::vector<std::uint8_t> wire(const std::string& hex) {
+    std::istringstream text(hex);
     std::vector<std::uint8_t> bytes;
-    for (unsigned nByte = 0; text >> std::hex >> nByte;) {
-        bytes.push_back(static_cast<std::uint8_t>(nByte));
-    }
+    for (unsigned byte = 0; text >> std::hex >> byte;)
+        bytes.push_back(static_cast<std::uint8_t>(byte));
     return bytes;
 }
 
 /// The text of bytes, as wire reads it.
 template <class Bytes>
-std::string hexText(const Bytes& p_Bytes) {
-    std::string strText;
-    for (const std::uint8_t nByte : p_Bytes) {
+std::string hexText(const Bytes& bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
         char digits[4];
-        std::snprintf(digits, sizeof digits, "%02X", nByte);
-        strText += (strText.empty() ? "" : " ") + std::string(digits);
+        std::snprintf(digits, sizeof digits, text.empty() ? "%02X" : " %02X", byte);
+        text += digits;
     }
-    return strText;
+    return text;
 }
 
-/// Replies as "90 41 FF|90 51 FF".
-inline std::string hexText(const std::vector<WireFrame>& p_Frames) {
-    std::string strText;
-    for (const WireFrame& frame : p_Frames) {
-        strText += (strText.empty() ? "" : "|") + hexText(frame.bytes());
-    }
-    return strText;
+/// Replies as "90 41 FF;90 51 FF".
+inline std::string hexText(const std::vector<WireFrame>& frames) {
+    std::string text;
+    for (const WireFrame& frame : frames)
+        text += (text.empty() ? "" : ";") + hexText(frame.bytes());
+    return text;
 }
 
 /// A clock that moves only when somebody waits.
 class ManualClock : public TimeSource {
 public:
     std::int64_t nowMicroseconds() override { return m_nNow; }
-    void waitMicroseconds(std::int64_t p_nMicroseconds) override { m_nNow += p_nMicroseconds; }
+    void waitMicroseconds(std::int64_t microseconds) override { m_nNow += microseconds; }
 
 private:
     std::atomic<std::int64_t> m_nNow{1'000'000};

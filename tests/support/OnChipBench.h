@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -46,12 +47,15 @@ protected:
     std::string told() {
         std::string text;
         for (const auto& call : m_Pipeline.calls()) {
-            std::string name = call.function;
+            std::string name(call.function);
             if (const std::size_t head = name.find("UiSet"); head != std::string::npos)
                 name = name.substr(head + 5);
             else if (name.find("Get") != std::string::npos)
                 continue;
-            text += (text.empty() ? "" : " ") + name + '=' + std::to_string(call.value);
+            char separator = '=';
+            text += (text.empty() ? "" : " ") + name;
+            for (const int argument : call.arguments)
+                text += std::exchange(separator, ',') + std::to_string(argument);
         }
         m_Pipeline.setRecording(true);
         return text;

@@ -148,9 +148,9 @@ protected:
     }
 
     static constexpr const char* FolderName = "/mnt/mtd/code/config_file";
-    const std::string Folder = std::string(FolderName) + "/";
-    const std::string Span = "(500,1)(501,0)(502,0)(503,24)(504,0)";
-    const std::string FactoryText = "(1,11)(2,12)(3,13)(10,110)(30,130)" + Span;
+    static inline const std::string Folder = std::string(FolderName) + "/";
+    static inline const std::string Span = "(500,1)(501,0)(502,0)(503,24)(504,0)";
+    static inline const std::string FactoryText = "(1,11)(2,12)(3,13)(10,110)(30,130)" + Span;
 
     TempRoot m_Root;
     std::shared_ptr<sensorhost::SimulatedClock> m_pClock = std::make_shared<sensorhost::SimulatedClock>();

@@ -33,12 +33,12 @@ std::string TempRoot::read(const std::string& devicePath) const {
 }
 
 std::string TempRoot::errorLines() const {
-    static constexpr std::string_view tag = "SensorError ";
+    static constexpr std::string_view Tag = "SensorError ";
     std::istringstream log(read("/mnt/mtd/log/SensorError.log"));
     std::string lines;
     for (std::string line; std::getline(log, line) && line != "<none>";) {
-        const std::size_t at = line.find(tag);
-        lines += (lines.empty() ? "" : " | ") + (at == std::string::npos ? line : line.substr(at + tag.size()));
+        const std::size_t at = line.find(Tag);
+        lines += (lines.empty() ? "" : " | ") + (at == std::string::npos ? line : line.substr(at + Tag.size()));
     }
     return lines;
 }

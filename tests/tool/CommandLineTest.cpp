@@ -24,13 +24,10 @@ struct Misuse {
 
 void PrintTo(const Misuse& misuse, std::ostream* stream) { *stream << misuse.name; }
 
-class MisuseTest : public ::testing::TestWithParam<Misuse> {
-protected:
-    TempFolder m_Folder;
-};
+class MisuseTest : public ToolTest, public ::testing::WithParamInterface<Misuse> {};
 
-TEST_P(MisuseTest, endsWithItsCodeAndSaysWhatToTry) {
-    const ToolProcess::Result result = ToolProcess::run(m_Folder.path(), GetParam().arguments);
+TEST_P(MisuseTest, EndsWithItsCodeAndSaysWhatToTry) {
+    const ToolProcess::Result result = run(GetParam().arguments);
     EXPECT_EQ(result.code, GetParam().code);
     EXPECT_THAT(result.err, HasSubstr(GetParam().says));
     EXPECT_THAT(result.err, HasSubstr("sensorctl: "));
@@ -38,7 +35,7 @@ TEST_P(MisuseTest, endsWithItsCodeAndSaysWhatToTry) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Usage, MisuseTest,
+    , MisuseTest,
     ::testing::Values(
         Misuse{"noCommand", {}, 1, "try: sensorctl --help"}, Misuse{"unknownCommand", {"frobnicate"}, 1, "--help"},
         Misuse{"noModule", {"get", "-s"}, 1, "--module is required"},
@@ -60,32 +57,25 @@ INSTANTIATE_TEST_SUITE_P(
         Misuse{"resolution", {"get", "-m", "16", "-s", "--resolution", "big"}, 1, "try: --resolution"},
         Misuse{"detail", {"get", "-m", "16", "-s", "--detail", "generation"}, 1, "is no key=value"},
         Misuse{"videoSystem", {"get", "-m", "16", "-s", "--video-system", "secam"}, 1, "secam"},
+        Misuse{"portOnTheChip", {"get", "-m", "4", "-p", "/dev/null"}, 1, "it has no port"},
+        Misuse{"faultOnTheChip", {"get", "-m", "4", "--fault", "silence"}, 1, "need --simulated"},
+        Misuse{"dayOnAPort", {"scheme", "-m", "16", "-p", "/dev/null", "--day"}, 1, "simulated module"},
+        Misuse{"daySpan", {"scheme", "-m", "16", "-s", "--day", "--light", "20:00-06:00"}, 1, "is no span"},
         Misuse{"portName", {"get", "-m", "16", "-p", "a;b"}, 1, "cannot be told"},
         Misuse{"simulatedModule", {"simulate", "-m", "99"}, 1, "no simulated block"},
         Misuse{"hex", {"decode", "81", "zz"}, 1, "\"zz\" is no hex byte"},
-        Misuse{"time", {"decode", "noon tx 81 FF"}, 1, "is no time"}),
+        Misuse{"time", {"decode", "noon tx 81 FF"}, 1, "is no time"},
+        Misuse{"missingDevice", {"get", "-m", "16", "-p", "/dev/ttyNone"}, 4, "No such file"},
+        Misuse{"noSerialPort", {"get", "-m", "16", "-p", "/dev/null"}, 4, "no serial port"},
+        Misuse{"noConfig", {"ui", "--config", "/dev/null"}, 4, "there is no such file"},
+        Misuse{"root", {"get", "-m", "16", "-s", "--root", "/dev/null/x"}, 4, "try: --root"},
+        Misuse{"trace", {"get", "-m", "16", "-s", "--trace", "/dev/null/x"}, 4, "--trace /dev/null/x"},
+        Misuse{"linkIsAFile", {"simulate", "-m", "16", "--link", "/dev/null"}, 4, "try: another --link"}),
     [](const auto& misuse) { return misuse.param.name; });
 
-INSTANTIATE_TEST_SUITE_P(
-    PortsAndFiles, MisuseTest,
-    ::testing::Values(Misuse{"missingDevice", {"get", "-m", "16", "-p", "/dev/ttyNone"}, 4, "No such file"},
-                      Misuse{"noSerialPort", {"get", "-m", "16", "-p", "/dev/null"}, 4, "no serial port"},
-                      Misuse{"noConfig", {"ui", "--config", "/dev/null"}, 4, "there is no such file"},
-                      Misuse{"root", {"get", "-m", "16", "-s", "--root", "/dev/null/x"}, 4, "try: --root"},
-                      Misuse{"trace", {"get", "-m", "16", "-s", "--trace", "/dev/null/x"}, 4, "--trace /dev/null/x"},
-                      Misuse{"linkIsAFile", {"simulate", "-m", "16", "--link", "/dev/null"}, 4, "try: another --link"}),
-    [](const auto& misuse) { return misuse.param.name; });
+using CommandLineTest = ToolTest;
 
-class CommandLineTest : public ::testing::Test {
-protected:
-    ToolProcess::Result run(const Words& arguments, const std::string& input = {}) const {
-        return ToolProcess::run(m_Folder.path(), arguments, input);
-    }
-
-    TempFolder m_Folder;
-};
-
-TEST_F(CommandLineTest, everyCommandHelpsWithAnExampleThatItTakes) {
+TEST_F(CommandLineTest, EveryCommandHelpsWithAnExampleThatItTakes) {
     for (const char* const command :
          {"modules", "list", "get", "set", "reset", "run", "watch", "daynight", "trace", "decode", "simulate", "ui"}) {
         const ToolProcess::Result result = run({command, "--help"});
@@ -98,41 +88,30 @@ TEST_F(CommandLineTest, everyCommandHelpsWithAnExampleThatItTakes) {
     }
 }
 
-TEST_F(CommandLineTest, listWithoutAPortIsTheCatalogueInJson) {
-    const ToolProcess::Result result = run({"list", "--module", "16", "--json"});
-    EXPECT_EQ(result.code, 0);
-    std::istringstream lines(result.out);
+TEST_F(CommandLineTest, ListWithoutAPortIsTheCatalogue) {
+    std::istringstream lines(run({"list", "--module", "16", "--json"}).out);
     int lastId = -1;
     int count = 0;
-    bool isBrightnessSeen = false;
     for (std::string line; std::getline(lines, line); ++count) {
         const auto object = nlohmann::json::parse(line);
         EXPECT_GT(object.at("id").get<int>(), lastId);
         lastId = object.at("id");
         EXPECT_TRUE(object.at("value").is_null());
-        EXPECT_TRUE(object.at("condition").is_string());
-        if (object.at("name") != "Brightness")
-            continue;
-        isBrightnessSeen = true;
-        EXPECT_EQ(object.at("accepts"), nlohmann::json({{0, 100}}));
-        EXPECT_EQ(object.at("factory"), 50);
-        EXPECT_EQ(object.at("kind"), "common");
+        if (lastId == 5) {
+            EXPECT_EQ(line, R"({"id":5,"name":"Iris","accepts":[[5,17]],"command":false,"factory":16,"kind":"common",)"
+                            R"("value":null,"scheme":null,"condition":"only while ExposalMode is 2"})");
+        }
     }
-    EXPECT_TRUE(isBrightnessSeen);
     EXPECT_EQ(lastId, 504);
     EXPECT_EQ(count, 47);
-}
-
-TEST_F(CommandLineTest, listShowsWhatAParameterAccepts) {
     const std::string text = run({"list", "--module", "16", "--no-bring-up"}).out;
     EXPECT_THAT(text, HasSubstr("   1  Brightness        0..100         50  common            -\n"));
     EXPECT_THAT(text, HasSubstr("  19  WBMode            0,4,9           4  common            -\n"));
     EXPECT_THAT(text, HasSubstr("  52  IrisUp            command         -  set-only          -\n"));
-    EXPECT_THAT(text, HasSubstr("only while ExposalMode is 2\n"));
     EXPECT_THAT(run({"modules"}).out, HasSubstr("16  CMD8100SenseController"));
 }
 
-TEST_F(CommandLineTest, decodeTellsFramesRepliesAndTraceLines) {
+TEST_F(CommandLineTest, DecodeTellsFramesRepliesAndTraceLines) {
     const ToolProcess::Result result = run({"decode"}, "81 01 04 4E 00 00 00 08 FF\n"
                                                        "# a remark\n\n"
                                                        "810904 01ff\n"
@@ -156,17 +135,13 @@ TEST_F(CommandLineTest, decodeTellsFramesRepliesAndTraceLines) {
                           "- rx 90 61 41 # refused: not executable (part of a reply)\n"
                           "2.500000 rx - # nothing within 0.4 s, 3 bytes wanted\n"
                           "3.000000 tx! 4D 45 4E 55 4F 4E # pan/tilt stop\n");
-    const auto object = nlohmann::json::parse(run({"decode", "--json", "90", "41", "FF"}).out);
-    EXPECT_EQ(object.at("direction"), "rx");
-    EXPECT_EQ(object.at("bytes"), "90 41 FF");
-    EXPECT_TRUE(object.at("seconds").is_null());
-}
-
-TEST_F(CommandLineTest, decodeGoesOnBehindABadLine) {
-    const ToolProcess::Result result = run({"decode"}, "90 41 FF\n90 4\n90 51 FF\n");
-    EXPECT_EQ(result.code, 1);
-    EXPECT_THAT(result.err, HasSubstr("line 2: \"4\" is no hex byte"));
-    EXPECT_THAT(result.out, HasSubstr("completion"));
+    EXPECT_EQ(run({"decode", "--json", "90", "41", "FF"}).out,
+              R"({"seconds":null,"direction":"rx","failed":false,"bytes":"90 41 FF","meaning":"acknowledgement"})"
+              "\n");
+    const ToolProcess::Result bad = run({"decode"}, "90 41 FF\n90 4\n90 51 FF\n");
+    EXPECT_EQ(bad.code, 1);
+    EXPECT_THAT(bad.err, HasSubstr("line 2: \"4\" is no hex byte"));
+    EXPECT_THAT(bad.out, HasSubstr("completion")) << "goes on behind a bad line";
 }
 
 } // namespace

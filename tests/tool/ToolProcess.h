@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 /// sensorctl as a process, with its standard input, output and error in the test's hands. Its user folder is the
@@ -60,4 +61,14 @@ public:
 
 private:
     std::string m_strPath;
+};
+
+/// A case with a folder of its own.
+class ToolTest : public ::testing::Test {
+protected:
+    ToolProcess::Result run(const std::vector<std::string>& arguments, const std::string& input = {}) const {
+        return ToolProcess::run(m_Folder.path(), arguments, input);
+    }
+
+    TempFolder m_Folder;
 };

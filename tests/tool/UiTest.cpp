@@ -19,8 +19,11 @@ using Json = nlohmann::json;
 using Words = std::vector<std::string>;
 
 const std::string Source = SENSORCONTROL_SOURCE_DIR;
+constexpr const char* List = "moduleConfig.xml";
+constexpr const char* Style = "sensorConfig/style/cameraStyle.xml";
+constexpr const char* Variations = "sensorConfig/styleDiversity/cameraStyleDiversity.xml";
 
-class UiTest : public ::testing::Test {
+class UiTest : public ToolTest {
 protected:
     UiTest() {
         std::filesystem::copy(Source + "/docs/samples/moduleConfig", m_Folder.path() + "/config",
@@ -30,17 +33,20 @@ protected:
     ToolProcess::Result run(const std::string& command, const Words& more) const {
         Words words = {command, "--config", m_Folder.path() + "/config"};
         words.insert(words.end(), more.begin(), more.end());
-        return ToolProcess::run(m_Folder.path(), words);
+        return ToolTest::run(words);
     }
-
-    TempFolder m_Folder;
 };
 
-TEST_F(UiTest, printsOneTextAsItIs) {
+TEST_F(UiTest, PrintsOneTextAsItIs) {
     const ToolProcess::Result german = run("ui", {"--language", "2", "--print", "language"});
     EXPECT_EQ(german.code, 0);
     EXPECT_THAT(german.err, IsEmpty());
     EXPECT_EQ(german.out, m_Folder.read("config/sensorConfig/language/german/cameraLang.xml"));
+
+    const Json object = Json::parse(run("ui", {"--language", "99", "--print", "common", "--json"}).out);
+    EXPECT_EQ(object.at("language"), 99);
+    EXPECT_EQ(object.at("served"), 1);
+    EXPECT_THAT(run("ui", {"--language", "99"}).out, HasSubstr("==> common 99 (language 1) <==\n"));
 
     m_Folder.write("config/sensorConfig/cameraGui.xml", "");
     EXPECT_EQ(run("ui", {"--print", "gui"}).out, "");
@@ -51,18 +57,7 @@ TEST_F(UiTest, printsOneTextAsItIs) {
     EXPECT_THAT(json.err, HasSubstr("text gui is no UTF-8, which JSON cannot hold"));
 }
 
-TEST_F(UiTest, saysThatLanguage1Answers) {
-    const ToolProcess::Result result = run("ui", {"--language", "99", "--print", "common", "--json"});
-    EXPECT_EQ(result.err, "warning: text common 99 is missing: that of language 1 stands for it\n");
-    const Json object = Json::parse(result.out);
-    EXPECT_EQ(object.at("language"), 99);
-    EXPECT_EQ(object.at("served"), 1);
-    EXPECT_THAT(run("ui", {"--language", "99"}).out, HasSubstr("==> common 99 (language 1) <==\n"));
-    std::filesystem::remove_all(m_Folder.path() + "/config/sensorConfig/common");
-    EXPECT_THAT(run("ui", {"--language", "99"}).err, HasSubstr("warning: text common 99 is missing or empty\n"));
-}
-
-TEST_F(UiTest, explainsModuleAndMergeFromWhatTheLibraryDid) {
+TEST_F(UiTest, ExplainsModuleAndMergeFromWhatTheLibraryDid) {
     const ToolProcess::Result result = run("ui", {"--product", "dome", "--json", "--explain"});
     EXPECT_EQ(result.code, 0) << result.err;
     std::vector<std::string> applied;
@@ -95,68 +90,65 @@ TEST_F(UiTest, explainsModuleAndMergeFromWhatTheLibraryDid) {
     EXPECT_THAT(text, HasSubstr("==> common 1 <==\n<?xml"));
 }
 
-TEST_F(UiTest, saysWhyAStyleCannotBeMade) {
-    m_Folder.write("config/sensorConfig/styleDiversity/cameraStyleDiversity.xml",
-                   "<first isInfrared='0,1'><Delete><t id='4'/></Delete></first>"
-                   "<second isInfrared='0,1'><AddAfter><t id='4'><n id='9'/></t></AddAfter></second>");
-    const ToolProcess::Result result = run("ui", {"--explain"});
-    EXPECT_EQ(result.code, 4);
-    EXPECT_THAT(result.out, HasSubstr("block 1 delete tab 4\n"));
-    EXPECT_THAT(result.out, HasSubstr("block 2 add after tab 4: failed, there is no such tab\n"));
-    EXPECT_THAT(result.out, Not(HasSubstr("==>")));
-    EXPECT_THAT(result.err, HasSubstr("reason: can't find tab by key(4)\n"));
+TEST_F(UiTest, SaysWhatIsDamagedAndWhy) {
+    const std::string list = m_Folder.read("config/moduleConfig.xml");
+    m_Folder.write("config/moduleConfig.xml", "<moduleConfig><module id='4' detail='broken' "
+                                              "parameters='GUIConfig=cameraGui.xml;Prefix=camera'/></moduleConfig>");
+    const ToolProcess::Result unsound = run("ui", {"--explain"});
+    EXPECT_THAT(unsound.out, HasSubstr("block 1 noInfrared is not decided: the module's detail cannot be parsed\n"));
+    EXPECT_THAT(unsound.out, Not(HasSubstr("no condition")));
+    EXPECT_THAT(unsound.err, HasSubstr("reason: parse detail failed\n"));
+    m_Folder.write("config/moduleConfig.xml", list);
 
-    const std::string style = m_Folder.path() + "/config/sensorConfig/style/cameraStyle.xml";
-    m_Folder.write("config/sensorConfig/style/cameraStyle.xml", "<style><tab id='1'>");
-    EXPECT_THAT(run("ui", {}).err, HasSubstr("reason: " + style + ": is no sound XML"));
-    std::filesystem::remove(style);
-    EXPECT_THAT(run("ui", {}).err, HasSubstr("reason: " + style + ": cannot be read\n"));
-
-    m_Folder.write("config/moduleConfig.xml", "<moduleConfig><module id='100'/></moduleConfig>");
-    EXPECT_THAT(run("ui", {}).err, HasSubstr("no module has an id from 1 to 99"));
-    m_Folder.write("config/moduleConfig.xml", "<moduleConfig>");
-    EXPECT_THAT(run("ui", {}).err, HasSubstr("cannot be read as a list of modules"));
+    const struct {
+        int code;
+        const char* file;
+        const char* text; ///< null: the file or folder goes
+        Words says;
+    } cases[] = {
+        {4,
+         Variations,
+         "<first isInfrared='0,1'><Delete><t id='4'/></Delete></first><second isInfrared='0,1'>"
+         "<AddAfter><t id='4'><n id='9'/></t></AddAfter></second>",
+         {"block 1 delete tab 4\n", "block 2 add after tab 4: failed, there is no such tab\n",
+          "reason: can't find tab by key(4)\n"}},
+        {0, Variations, "<first isInfrared='5'>", {"cameraStyleDiversity.xml: is no sound XML"}},
+        {0, "sensorConfig/language/german", nullptr, {"warning: getLanguageFile failed , path=", ">Exposure<"}},
+        {0, "sensorConfig/common", nullptr, {"warning: text common 2 is missing or empty\n"}},
+        {0, Style, "<style><tab id='1'>", {"cameraStyle.xml: is no sound XML"}},
+        {4, Style, nullptr, {"cameraStyle.xml: cannot be read\n"}},
+        {4, List, "<moduleConfig><module id='100'/></moduleConfig>", {"no module has an id from 1 to 99"}},
+        {4, List, "<moduleConfig>", {"cannot be read as a list of modules"}},
+    };
+    for (const auto& damage : cases) {
+        damage.text != nullptr ? m_Folder.write(std::string("config/") + damage.file, damage.text)
+                               : void(std::filesystem::remove_all(m_Folder.path() + "/config/" + damage.file));
+        const ToolProcess::Result result = run("ui", {"--explain", "--language", "2"});
+        EXPECT_EQ(result.code, damage.code) << damage.says[0];
+        for (const std::string& said : damage.says)
+            EXPECT_THAT(result.out + result.err, HasSubstr(said));
+        EXPECT_TRUE(damage.code == 0 || result.out.find("==>") == std::string::npos) << damage.says[0];
+    }
     EXPECT_EQ(run("get", {"-s"}).code, 4);
 }
 
-TEST_F(UiTest, saysThatAnUnsoundDetailDecidesNothing) {
-    m_Folder.write("config/moduleConfig.xml", "<moduleConfig><module id='4' detail='broken' "
-                                              "parameters='GUIConfig=cameraGui.xml;Prefix=camera'/></moduleConfig>");
-    const ToolProcess::Result result = run("ui", {"--explain"});
-    EXPECT_THAT(result.out, HasSubstr("block 1 noInfrared is not decided: the module's detail cannot be parsed\n"));
-    EXPECT_THAT(result.out, Not(HasSubstr("no condition")));
-    EXPECT_THAT(result.err, HasSubstr("reason: parse detail failed\n"));
-}
-
-TEST_F(UiTest, tellsWhatIsMissingAndGoesOn) {
-    m_Folder.write("config/sensorConfig/styleDiversity/cameraStyleDiversity.xml", "<first isInfrared='5'>");
-    std::filesystem::remove_all(m_Folder.path() + "/config/sensorConfig/language/german");
-    const ToolProcess::Result result = run("ui", {"--language", "2", "--print", "language"});
-    EXPECT_EQ(result.code, 0);
-    EXPECT_THAT(result.err, HasSubstr("warning: getLanguageFile failed , path="));
-    EXPECT_THAT(result.err, HasSubstr("cameraStyleDiversity.xml: is no sound XML"));
-    EXPECT_THAT(result.out, HasSubstr(">Exposure<"));
-}
-
-TEST_F(UiTest, bringsTheChosenModuleUp) {
+TEST_F(UiTest, BringsTheChosenModuleUp) {
     m_Folder.write("config/moduleConfig.xml",
                    "<moduleConfig><module id='16' product='dome' detail='RS485=/dev/ttyNone;isInfrared=1;generation=4' "
                    "parameters='RS485=19200,8,1,0;Prefix=none'/></moduleConfig>");
-    ToolProcess::Result result = run("get", {"--product", "dome", "--simulated", "--trace", "-", "PowerMode"});
-    EXPECT_EQ(result.code, 0) << result.err;
-    EXPECT_EQ(result.out, "56 PowerMode 0\n");
-    EXPECT_THAT(result.err, HasSubstr("FE 01 1E 02")) << "the infrared board of its detail is there";
+    ToolProcess::Result result = run("trace", {"--product", "dome", "--simulated", "Brightness=60", "Iris=4"});
+    EXPECT_EQ(result.code, 2) << "4 is no iris";
+    for (const char* const line :
+         {"FE 01 1E 02", "tx 81 09 04 24 72 FF # inquiry video system\n",
+          "tx 81 01 04 4E 00 00 00 08 FF # brightness 08\n", "rx 90 50 00 08 FF # answer: video system PAL\n"})
+        EXPECT_THAT(result.out, HasSubstr(line)) << "the infrared board of the module's detail is there too";
+    EXPECT_EQ(ToolTest::run({"decode"}, result.out).out, result.out);
 
     result = run("get", {"Brightness"});
     EXPECT_EQ(result.code, 4);
-    EXPECT_THAT(result.err, HasSubstr("bring-up of module 16 on /dev/ttyNone: No such file"));
+    EXPECT_THAT(result.err, HasSubstr("bring-up of module 16 on /dev/ttyNone: "));
+    EXPECT_THAT(result.err, HasSubstr("No such file"));
     EXPECT_THAT(run("list", {}).out, HasSubstr("Brightness"));
-}
-
-TEST_F(UiTest, bringsAModuleWithoutAPortUp) {
-    const ToolProcess::Result result = run("get", {"--product", "bullet", "--gpio", "memory", "Brightness"});
-    EXPECT_EQ(result.code, 0) << result.err;
-    EXPECT_EQ(result.out, "1 Brightness 50\n");
 }
 
 } // namespace

@@ -72,7 +72,7 @@ void BlockConsole::execute(const std::string& command, std::span<const std::stri
             throw Failure(Usage, '"' + command + ' ' + joined(words) + "\": too many words",
                           {"try: " + std::string(row.usage)});
     if (command == "dark" || command == "light") {
-        const auto ambient = command == "dark" ? camerasim::Ambient::dark : camerasim::Ambient::light;
+        const auto ambient = command == "dark" ? camerasim::Ambient::Dark : camerasim::Ambient::Light;
         m_Server.withBlock([&](camerasim::CameraBlock& block, std::int64_t) { block.setAmbient(ambient); });
     } else if (command == "fault") {
         addFaults(words);

@@ -76,7 +76,8 @@ int showUi(Output& output, const UiOptions& options);
 
 void showParameters(Output& output, Session& session, const std::vector<std::string>& names);
 /// Applies all of them, ascending by id, whatever becomes of one; the code of the first that failed.
-int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments);
+int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments,
+                    bool isRecorded = true);
 /// Through the one operation with which a host reads everything.
 void showAllParameters(Output& output, Session& session);
 void flushParameters(Output& output, Session& session);

@@ -1,12 +1,14 @@
 #include "DayPlay.h"
 
 #include "Commands.h"
+#include "Explanation.h"
 #include "Failure.h"
 #include "Interrupt.h"
 #include "Output.h"
 #include "Parameters.h"
 #include "StateFolder.h"
 #include "controller/SensorControllerManager.h"
+#include "host/DevicePaths.h"
 #include "host/ModuleConfigure.h"
 #include "host/linux/HostSettings.h"
 #include "host/linux/SimulatedClock.h"
@@ -31,7 +33,8 @@ public:
         if (::mkdtemp(name.data()) == nullptr)
             throw Failure(Trouble, "no folder for the play in " + std::filesystem::temp_directory_path().string());
         m_strPath = name;
-        for (const char* const part : {"/mnt/mtd/code/config_file", "/hd1"}) {
+        for (const char* const part : {sensorcontrol::paths::ParameterFolder, sensorcontrol::paths::ModuleFolder,
+                                       sensorcontrol::paths::TuningFile}) {
             if (!std::filesystem::exists(original + part))
                 continue;
             std::filesystem::create_directories(std::filesystem::path(m_strPath + part).parent_path());
@@ -83,6 +86,7 @@ private:
 
     Output& m_Output;
     const TargetOptions& m_Options;
+    const Parameters m_Parameters;
     const Sky m_Sky;
     const DaySpan m_Hours;
     const ScratchFolder m_Scratch;
@@ -97,8 +101,8 @@ private:
 };
 
 DayPlay::DayPlay(Output& output, const TargetOptions& options, const Sky& sky, const DaySpan& hours)
-    : m_Output(output), m_Options(options), m_Sky(sky), m_Hours(hours), m_Scratch(options.rootFolder()),
-      m_Folder(m_Scratch.path(), options.schemes),
+    : m_Output(output), m_Options(options), m_Parameters(options.moduleId), m_Sky(sky), m_Hours(hours),
+      m_Scratch(options.rootFolder()), m_Folder(m_Scratch.path(), options.schemes),
       m_pClock(std::make_shared<sensorhost::SimulatedClock>(hours.from / 60, hours.from % 60)), m_ClockGuard(m_pClock),
       m_pWorld(DayWorld::create(options)) {
     if (!options.tuning.empty())
@@ -131,13 +135,18 @@ void DayPlay::bringUp() {
     const Output::Hush hush(m_Output);
     m_Manager.setUARTController(m_pWorld->port());
     m_Manager.setGPIO(m_pWorld->pins());
-    m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
-                   ModuleConfigure(m_Options.moduleId, m_Options.detailText(m_Options.isOnChip() ? "" : PortName),
-                                   m_Options.parametersText()));
-    if (controller().getSensorStatus() != ISensorController::InitSuccess)
-        throw Failure(Trouble, "the simulated module did not come up", {"try: sensorctl run, which says why"});
-    SchemeDesk(controller()).settle();
-    m_Record.schemes = SchemeDesk(controller()).list();
+    OperationReport start;
+    {
+        const sensorcontrol::ReportScope scope(start);
+        m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
+                       ModuleConfigure(m_Options.moduleId, m_Options.detailText(m_Options.isOnChip() ? "" : PortName),
+                                       m_Options.parametersText()));
+    }
+    if (!start.isUp)
+        throw Failure(Trouble, "the simulated module did not come up", reasonsOf(start, m_Parameters));
+    SchemeDesk schemes(controller(), m_Parameters);
+    schemes.settle();
+    m_Record.schemes = schemes.list();
 }
 
 void DayPlay::observe(int second) {
@@ -187,10 +196,10 @@ void DayPlay::tell(int second, const std::string& what, const std::string& value
 }
 
 std::string DayPlay::whyPicture(const DayRecord::Moment& now) {
-    constexpr int bySchemeSeconds = 3;
+    constexpr int BySchemeSeconds = 3;
     const bool isDay = *now.sight.isDayPicture;
     std::string scheme;
-    if (m_nSchemeChange >= 0 && now.second - m_nSchemeChange < bySchemeSeconds)
+    if (m_nSchemeChange >= 0 && now.second - m_nSchemeChange < BySchemeSeconds)
         scheme = ", with scheme " + std::to_string(now.scheme);
     const int mode = value("DayNightMode").value_or(-1);
     if (mode == 0)
@@ -215,8 +224,7 @@ std::string DayPlay::whyScheme(int scheme) const {
 }
 
 std::optional<int> DayPlay::value(const std::string& name) {
-    const Parameters parameters(m_Options.moduleId);
-    for (const sensorcontrol::ParameterInfo& parameter : parameters.all()) {
+    for (const sensorcontrol::ParameterInfo& parameter : m_Parameters.all()) {
         std::string text;
         std::map<int, int> values;
         if (parameter.name == name && controller().getParameters('(' + std::to_string(parameter.id) + ')', text) &&

@@ -56,10 +56,10 @@ private:
 };
 
 double DayDrawing::height(const DayRecord& day) {
-    constexpr double lanes = 5 * (LaneHeight + Gap);
+    constexpr double Lanes = 5 * (LaneHeight + Gap);
     const std::size_t readings = day.moments.empty() ? 0 : day.moments.front().sight.readings.size();
     const std::size_t lines = std::min(day.events.size(), MostEvents + 1);
-    return Top + lanes + static_cast<double>(readings) * (CurveHeight + Gap) + 50 +
+    return Top + Lanes + static_cast<double>(readings) * (CurveHeight + Gap) + 50 +
            static_cast<double>(lines) * LineHeight;
 }
 
@@ -78,8 +78,8 @@ void DayDrawing::lane(const std::string& name, const std::function<Look(const Da
             m_Drawing.box(x, m_dY, width, LaneHeight, shown.colour,
                           name + ' ' + shown.label + ' ' + TimeOfDay::textOfSecond(moments[i].second) + '-' +
                               TimeOfDay::textOfSecond(until));
-            constexpr double letter = 6.5;
-            if (width > letter * static_cast<double>(shown.label.size()) + 6)
+            constexpr double Letter = 6.5;
+            if (width > Letter * static_cast<double>(shown.label.size()) + 6)
                 m_Drawing.text(x + width / 2, m_dY + LaneHeight / 2 + 4, shown.label, SvgDrawing::Anchor::Middle, 12,
                                shown.labelColour);
         }
@@ -97,8 +97,8 @@ void DayDrawing::curve(std::size_t reading) {
         high = std::max(high, moment.sight.readings[reading].value);
     }
     // What runs over decades, as light and gain do, is shown by decades.
-    constexpr double decades = 30;
-    const bool isLogarithmic = low > 0 && high / low > decades;
+    constexpr double Decades = 30;
+    const bool isLogarithmic = low > 0 && high / low > Decades;
     const auto scaled = [isLogarithmic](double value) { return isLogarithmic ? std::log10(value) : value; };
     const double span = std::max(scaled(high) - scaled(low), 1e-9);
     const auto yOf = [&](double value) {

@@ -22,7 +22,7 @@ public:
     void setSky(double, bool isLight) override {
         m_bLight = isLight;
         m_Port->takeSent(); // nobody looks at the frames
-        m_Port->setAmbient(isLight ? camerasim::Ambient::light : camerasim::Ambient::dark);
+        m_Port->setAmbient(isLight ? camerasim::Ambient::Light : camerasim::Ambient::Dark);
     }
     Sight look() override;
     std::string cause(const std::string& since) const override {
@@ -50,16 +50,16 @@ Sight BlockWorld::look() {
         else if (one.name.starts_with("infrared board:") && one.name.ends_with(" light"))
             power = std::max(power, one.value);
     }
-    constexpr std::uint32_t stateDay = 3;
-    constexpr std::uint32_t boardNight = 1;
+    constexpr std::uint32_t StateDay = 3;
+    constexpr std::uint32_t BoardNight = 1;
     if (state)
-        sight.isDayPicture = sight.isFilterIn = *state == stateDay;
+        sight.isDayPicture = sight.isFilterIn = *state == StateDay;
     if (!m_bInfraredBoard || !board)
         return sight;
     // With an infrared board it is the board that is told, and that moves what it has.
-    sight.lights = *board == boardNight ? static_cast<int>(power) : 0;
+    sight.lights = *board == BoardNight ? static_cast<int>(power) : 0;
     if (*board != 0)
-        sight.isDayPicture = sight.isFilterIn = *board != boardNight;
+        sight.isDayPicture = sight.isFilterIn = *board != BoardNight;
     return sight;
 }
 
@@ -126,14 +126,14 @@ std::string PipelineWorld::cause(const std::string& since) const {
 }
 
 Sight PipelineWorld::look() {
-    constexpr int fullPower = 100;
+    constexpr int FullPower = 100;
     Sight sight;
     sight.isLight = m_bLight;
     sight.isDayPicture = pictureOfPipeline() == 1;
     if (m_Filter)
         sight.isFilterIn = isAtDay(*m_Filter);
     if (m_Lights)
-        sight.lights = isAtDay(*m_Lights) ? 0 : fullPower;
+        sight.lights = isAtDay(*m_Lights) ? 0 : FullPower;
     sight.readings = readPipeline();
     sight.readings.insert(sight.readings.begin(), {"lux", m_dLux});
     return sight;
@@ -142,10 +142,10 @@ Sight PipelineWorld::look() {
 } // namespace
 
 double Sky::lux(double minutes) const {
-    constexpr double night = 0.2;
-    constexpr double horizon = 20;
-    constexpr double noon = 20000;
-    constexpr double twilight = 40; // minutes
+    constexpr double Night = 0.2;
+    constexpr double Horizon = 20;
+    constexpr double Noon = 20000;
+    constexpr double Twilight = 40; // minutes
     const auto between = [](double from, double to, double part) {
         return from * std::pow(to / from, std::clamp(part, 0.0, 1.0));
     };
@@ -153,9 +153,9 @@ double Sky::lux(double minutes) const {
     const double untilSet = m_Light.to - minutes;
     const double nearest = std::min(sinceRise, untilSet);
     if (nearest < 0)
-        return between(horizon, night, -nearest / twilight);
+        return between(Horizon, Night, -nearest / Twilight);
     const double noonPart = nearest / (std::max(1, m_Light.to - m_Light.from) / 2.0);
-    return between(horizon, noon, std::sqrt(noonPart));
+    return between(Horizon, Noon, std::sqrt(noonPart));
 }
 
 std::unique_ptr<DayWorld> DayWorld::create(const TargetOptions& options) {

@@ -88,31 +88,31 @@ private:
 };
 
 void drawEdges(const std::string& path) {
-    constexpr double pitch = Diagram::Height + 60;
-    constexpr double top = 50;
-    constexpr double wordLimit = 320;
-    constexpr double coefficientLow = -20;
-    constexpr double coefficientHigh = 160;
-    constexpr int curveBits = 9;
-    constexpr int curveLimit = 1 << (curveBits - 1);
+    constexpr double Pitch = Diagram::Height + 60;
+    constexpr double Top = 50;
+    constexpr double WordLimit = 320;
+    constexpr double CoefficientLow = -20;
+    constexpr double CoefficientHigh = 160;
+    constexpr int CurveBits = 9;
+    constexpr int CurveLimit = 1 << (CurveBits - 1);
 
-    SvgDrawing drawing(Diagram::Left + Diagram::Width + 120, top + 3 * pitch);
-    Diagram words(drawing, top, "Words of the record by strength", Strongest, 0, wordLimit);
+    SvgDrawing drawing(Diagram::Left + Diagram::Width + 120, Top + 3 * Pitch);
+    Diagram words(drawing, Top, "Words of the record by strength", Strongest, 0, WordLimit);
     std::size_t colour = 0;
     for (const std::size_t word : GradedWords)
         words.curve("word " + std::to_string(word), Colours[colour++],
                     [word](int strength) { return recordOf(strength).words[word]; });
-    Diagram coefficients(drawing, top + pitch, "High-pass coefficients by strength", Strongest, coefficientLow,
-                         coefficientHigh);
+    Diagram coefficients(drawing, Top + Pitch, "High-pass coefficients by strength", Strongest, CoefficientLow,
+                         CoefficientHigh);
     for (std::size_t i = 0; i < CoefficientCount; ++i)
         coefficients.curve("coefficient " + std::to_string(i), Colours[i],
                            [i](int strength) { return recordOf(strength).words[FirstCoefficient + i]; });
-    Diagram curve(drawing, top + 2 * pitch, "Curve: entry by index, as 9-bit signed numbers",
-                  static_cast<double>(SensorEEDefine::SensorEdgeEnhanceTbl.size() - 1), -curveLimit / 2.0,
-                  curveLimit / 2.0);
+    Diagram curve(drawing, Top + 2 * Pitch, "Curve: entry by index, as 9-bit signed numbers",
+                  static_cast<double>(SensorEEDefine::SensorEdgeEnhanceTbl.size() - 1), -CurveLimit / 2.0,
+                  CurveLimit / 2.0);
     curve.curve("curve", Colours[0], [](int index) {
         const int entry = SensorEEDefine::SensorEdgeEnhanceTbl[static_cast<std::size_t>(index)];
-        return entry >= curveLimit ? entry - 2 * curveLimit : entry;
+        return entry >= CurveLimit ? entry - 2 * CurveLimit : entry;
     });
     drawing.save(path);
 }
@@ -120,11 +120,11 @@ void drawEdges(const std::string& path) {
 } // namespace
 
 int edgeEnhancement(Output& output, const std::vector<int>& strengths, const std::string& plot) {
-    constexpr int step = 10;
+    constexpr int Step = 10;
     for (const int strength : strengths)
         showRecord(output, strength);
     if (strengths.empty())
-        for (int strength = 0; strength <= Strongest; strength += step)
+        for (int strength = 0; strength <= Strongest; strength += Step)
             showRecord(output, strength);
     if (!plot.empty())
         drawEdges(plot);

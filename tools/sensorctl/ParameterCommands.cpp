@@ -73,25 +73,17 @@ void recordValue(Output& output, const SchemeColumn& scheme, const ParameterInfo
     output.record(text, object);
 }
 
-void recordSetting(Output& output, const ParameterInfo& parameter, int value, const char* result) {
+void recordSetting(Output& output, const ParameterInfo& parameter, int value, const std::string& result,
+                   const std::string& reason) {
     Json object;
     object["id"] = parameter.id;
     object["name"] = parameter.name;
     object["value"] = value;
     object["result"] = result;
-    output.record(std::to_string(parameter.id) + ' ' + parameter.name + ' ' + std::to_string(value) + ' ' + result,
+    object["reason"] = reason;
+    output.record(std::to_string(parameter.id) + ' ' + parameter.name + ' ' + std::to_string(value) + ' ' + result +
+                      (reason.empty() ? "" : ": " + reason),
                   object);
-}
-
-const char* resultText(ExitCode code) {
-    switch (code) {
-    case Refused:
-        return "refused";
-    case NoAnswer:
-        return "no-answer";
-    default:
-        return "failed";
-    }
 }
 
 std::string listLine(const std::string& id, const std::string& name, const std::string& accepts,
@@ -181,6 +173,7 @@ void showParameters(Output& output, Session& session, const std::vector<std::str
         return;
     }
     std::vector<const ParameterInfo*> wanted;
+    wanted.reserve(names.size());
     for (const std::string& name : names)
         wanted.push_back(&session.parameters().find(name));
     for (const ParameterInfo* const parameter : wanted)
@@ -194,18 +187,18 @@ void showAllParameters(Output& output, Session& session) {
             recordValue(output, scheme, *parameter, value);
 }
 
-int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments) {
+int applyParameters(Output& output, Session& session, const std::vector<std::string>& assignments, bool isRecorded) {
     int code = Done;
-    for (const auto& [id, value] : session.parameters().parseAssignments(assignments)) {
-        const ParameterInfo& parameter = *session.parameters().findId(id);
-        try {
-            session.set(parameter, value);
-            recordSetting(output, parameter, value, "applied");
-        } catch (const Failure& failure) {
-            recordSetting(output, parameter, value, resultText(failure.code()));
-            output.report(failure);
-            code = code == Done ? failure.code() : code;
-        }
+    const OperationReport report = session.set(session.parameters().parseAssignments(assignments));
+    for (const OperationReport::Parameter& parameter : report.parameters) {
+        if (isRecorded)
+            recordSetting(output, *session.parameters().findId(parameter.id), parameter.value,
+                          resultText(parameter.outcome), reasonOf(parameter));
+        if (isTaken(parameter))
+            continue;
+        const Failure failure = session.explain(report, parameter);
+        output.report(failure);
+        code = code == Done ? failure.code() : code;
     }
     return code;
 }
@@ -223,7 +216,7 @@ void resetParameters(Output& output, Session& session, bool toLast) {
     for (const auto& [id, value] : session.values()) {
         const auto old = before.find(id);
         if (old == before.end() || old->second != value)
-            recordSetting(output, *session.parameters().findId(id), value, "reset");
+            recordSetting(output, *session.parameters().findId(id), value, "reset", "");
     }
 }
 

@@ -22,13 +22,8 @@ std::optional<int> numberOf(std::string_view text) {
     return result.ec == std::errc() && result.ptr == text.data() + text.size() ? std::optional(value) : std::nullopt;
 }
 
-/// The scheme in force, which the controller itself serves for every module.
-std::vector<ParameterInfo> schemeParameters() {
-    const auto make = [](int id, const char* name, int factory) {
-        return ParameterInfo{id, name, {}, false, IdManager::Common, factory, ""};
-    };
-    return {make(500, "EnableParam", 1), make(501, "ParamStartTime_H", 0), make(502, "ParamStartTime_M", 0),
-            make(503, "ParamEndTime_H", 24), make(504, "ParamEndTime_M", 0)};
+std::string noNumber(const std::string& text, const std::string& word) {
+    return '"' + text + "\" in \"" + word + "\" is no whole number";
 }
 
 } // namespace
@@ -37,10 +32,6 @@ Parameters::Parameters(int moduleId) {
     sensorcontrol::ModelInfo model = *sensorcontrol::describeModel(moduleId);
     m_strClassName = model.className;
     m_All = std::move(model.parameters);
-    for (ParameterInfo& parameter : schemeParameters())
-        if (findId(parameter.id) == nullptr)
-            m_All.push_back(std::move(parameter));
-    std::sort(m_All.begin(), m_All.end(), [](const ParameterInfo& a, const ParameterInfo& b) { return a.id < b.id; });
 }
 
 const ParameterInfo* Parameters::findId(int id) const {
@@ -88,8 +79,7 @@ std::map<int, int> Parameters::parseAssignments(const std::vector<std::string>& 
         const std::string text = equals == std::string::npos ? "0" : word.substr(equals + 1);
         const std::optional<int> value = numberOf(text);
         if (!value)
-            throw Failure(Usage, '"' + text + "\" in \"" + word + "\" is no whole number",
-                          {"accepted: " + acceptsText(parameter)});
+            throw Failure(Usage, noNumber(text, word), {"accepted: " + acceptsText(parameter)});
         values[parameter.id] = *value;
     }
     return values;

@@ -9,7 +9,7 @@
 
 namespace sensorctl {
 
-/// The parameters of a module with those that every module has, by id and by name.
+/// The parameters of a module, by id and by name.
 class Parameters {
 public:
     /// The module exists.

@@ -1,13 +1,5 @@
 #include "PortGuard.h"
 
-#include "Interrupt.h"
-
-#include <cerrno>
-#include <cstring>
-
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace sensorctl {
 
 namespace {
@@ -15,22 +7,7 @@ namespace {
 /// Two commands with their retries and a send that expects no answer.
 constexpr int UnansweredLimit = 7;
 
-std::string whyNotOpen(const char* deviceName) {
-    const int descriptor = ::open(deviceName, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
-        return std::strerror(errno);
-    const bool isSerial = ::isatty(descriptor) != 0;
-    ::close(descriptor);
-    return isSerial ? "it does not take serial settings" : "it is no serial port";
-}
-
 } // namespace
-
-bool PortGuard::isOver() {
-    if (m_bArmed && Interrupt::isRequested())
-        m_bCut = true;
-    return m_bCut;
-}
 
 void PortGuard::cutIfHopeless() {
     if (m_bArmed && m_nUnanswered >= UnansweredLimit)
@@ -40,7 +17,7 @@ void PortGuard::cutIfHopeless() {
 int PortGuard::open(const char* deviceName) {
     const int handle = m_pPort->open(deviceName);
     if (handle < 0)
-        m_strFailure = whyNotOpen(deviceName);
+        m_strFailure = m_SerialPort.getOpenFailure();
     return handle;
 }
 
@@ -55,7 +32,7 @@ int PortGuard::setParameter(int handle, int baudRate, int dataBits, int parity, 
 }
 
 int PortGuard::send(int handle, const char* bytes, int length) {
-    if (isOver())
+    if (m_bCut)
         return -1;
     ++m_nUnanswered;
     const int sent = m_pPort->send(handle, bytes, length);
@@ -66,7 +43,7 @@ int PortGuard::send(int handle, const char* bytes, int length) {
 }
 
 int PortGuard::recv(int handle, char* buffer, int length, int timeout) {
-    if (isOver())
+    if (m_bCut)
         return 0;
     const int received = m_pPort->recv(handle, buffer, length, timeout);
     m_bPortFailed = received < 0;

@@ -2,17 +2,20 @@
 
 #include "host/IUARTController.h"
 #include "host/SafePointer.h"
+#include "host/linux/SerialPort.h"
 
 #include <atomic>
 #include <string>
 
 namespace sensorctl {
 
-/// Stands between the library and the port: knows why a port did not open, and cuts a bring-up short that talks to
-/// nobody, or that the user wants to end. Behind a cut every call fails at once, so that the library's retries do too.
+/// Stands between the library and the port: keeps why a port did not open, and cuts a bring-up short that talks to
+/// nobody. Behind a cut every call fails at once, so that the library's retries do too.
 class PortGuard final : public IUARTController {
 public:
-    explicit PortGuard(const SafePointer<IUARTController>& port) : m_pPort(port) {}
+    /// `serialPort` is what `port` ends in.
+    PortGuard(const SafePointer<IUARTController>& port, const sensorhost::SerialPort& serialPort)
+        : m_pPort(port), m_SerialPort(serialPort) {}
 
     int open(const char* deviceName) override;
     int close(int handle) override;
@@ -27,14 +30,14 @@ public:
     /// The last call failed as on a port that is gone.
     bool hasPortFailed() const { return m_bPortFailed; }
 
-    /// Why the port could not be used; empty if it could. To be read after the bring-up.
+    /// Why the port could not be used, as a sentence; empty if it could. To be read after the bring-up.
     const std::string& failure() const { return m_strFailure; }
 
 private:
-    bool isOver();
     void cutIfHopeless();
 
     SafePointer<IUARTController> m_pPort;
+    const sensorhost::SerialPort& m_SerialPort;
     std::string m_strFailure;
     std::atomic<bool> m_bArmed{false};
     std::atomic<bool> m_bCut{false};

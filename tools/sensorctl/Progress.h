@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TraceLine.h"
+#include "controller/ControllerObserver.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -12,7 +12,7 @@ namespace sensorctl {
 
 class Output;
 
-/// Shows how a bring-up gets on, read off the wire: a line that changes on a terminal, a line per stage when verbose,
+/// Shows how a bring-up gets on: a line that changes on a terminal, a line per stage when verbose,
 /// nothing otherwise. Shows from construction to end.
 class Progress {
 public:
@@ -23,22 +23,24 @@ public:
 
     void end();
     /// Any thread; after the end it does nothing.
-    void onLine(const TraceLine& line);
+    void onProgress(const sensorcontrol::StartProgress& progress);
 
 private:
-    void enter(const std::string& stage);
+    using Clock = std::chrono::steady_clock;
+
+    std::string stageText() const;
+    std::string detailText() const;
     void show();
     void run();
 
     Output& m_Output;
-    const std::chrono::steady_clock::time_point m_Start;
+    const std::string m_strPort;
+    const Clock::time_point m_Start;
     std::mutex m_Mutex;
     std::condition_variable m_Ended;
     bool m_bEnded = false;
-    std::string m_strStage;
-    std::string m_strDetail;
-    int m_nCommands = 0;
-    bool m_bVideoSystemSeen = false;
+    sensorcontrol::StartProgress m_Progress;
+    Clock::time_point m_StageStart;
     std::thread m_Ticker;
 };
 

@@ -1,124 +1,108 @@
 #include "RestoreReport.h"
 
-#include "controller/ISensorController.h"
+#include "Explanation.h"
+#include "host/DevicePaths.h"
 #include "host/linux/HostSettings.h"
 #include "params/SensorConfigFile.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 
 namespace sensorctl {
 
 namespace {
 
-constexpr const char* Folder = "/mnt/mtd/code/config_file/";
+using FileState = OperationReport::FileState;
+using Outcome = OperationReport::Outcome;
 
-std::string nameOf(int scheme) {
-    return scheme < 0 ? "sensor_Factory.cfg" : "sensor" + std::to_string(scheme + 1) + ".cfg";
+std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
+const char* stateText(FileState state) {
+    switch (state) {
+    case FileState::Missing:
+        return "missing";
+    case FileState::Unreadable:
+        return "unreadable";
+    case FileState::Empty:
+        return "empty";
+    case FileState::Broken:
+        return "broken";
+    case FileState::OtherVersion:
+        return "of another version";
+    case FileState::Sound:
+        return "sound";
+    }
+    return "";
 }
 
-std::string versionText(const std::map<int, int>& values) {
-    const auto part = [&values](int id) {
-        const auto found = values.find(id);
-        return found == values.end() ? std::string("none") : std::to_string(found->second);
-    };
-    return part(SensorConfigFile::VersionId) + '.' + part(SensorConfigFile::Version2Id);
+std::string fileLine(const OperationReport::File& file) {
+    const std::string line = nameOf(file.path) + (file.isMadeAnew ? " was " : " is ") + stateText(file.found);
+    const std::string path = sensorhost::hostPath(file.path);
+    if (!file.isMadeAnew)
+        return line + ": " + path + (file.found == FileState::Missing ? " could not be made" : " is left as it is") +
+               " (to make it anew: sensorctl reset)";
+    return line + (file.found == FileState::Missing ? ": made from the " : ": made anew from the ") +
+           (file.path == sensorcontrol::paths::FactoryFile ? "module's factory values" : "factory values");
 }
 
-void dropVersions(std::map<int, int>& values) {
-    values.erase(SensorConfigFile::VersionId);
-    values.erase(SensorConfigFile::Version2Id);
+void add(std::string& list, const std::string& item) { list += (list.empty() ? "" : ", ") + item; }
+
+/// The values in the factory file; empty without one.
+std::map<int, int> factoryValues() {
+    std::map<int, int> values;
+    SensorConfigFile(sensorcontrol::paths::FactoryFile).readParametersFromFile(values);
+    return values;
 }
 
 } // namespace
 
-RestoreReport::RestoreReport() : m_Factory(look(-1)), m_FirstScheme(look(0)) {}
-
-std::string RestoreReport::filePath(int scheme) { return sensorhost::hostPath(Folder + nameOf(scheme)); }
-
-std::map<int, int> RestoreReport::factoryValues() {
-    std::map<int, int> values = look(-1).values;
-    dropVersions(values);
-    return values;
-}
-
-RestoreReport::File RestoreReport::look(int scheme) {
-    File result;
-    SensorConfigFile file(Folder + nameOf(scheme));
-    if (!file.isExist())
-        return result;
-    result.state = file.readParametersFromFile(result.values) ? State::Whole : State::Broken;
-    return result;
-}
-
-std::string RestoreReport::fate(int scheme, const File& before, const char* source) const {
-    const File now = look(scheme);
-    const std::string name = nameOf(scheme);
-    if (now.state == State::Missing)
-        return name + " is missing and could not be made in " +
-               std::filesystem::path(filePath(scheme)).parent_path().string();
-    if (now.state == State::Broken)
-        return name + " is broken: " + filePath(scheme) + " holds no parameters (to make it anew: sensorctl reset)";
-    if (before.state == State::Missing)
-        return name + " was missing: made " + source;
-    if (before.state == State::Broken)
-        return name + " was broken: made anew " + source;
-    if (scheme < 0 && versionText(before.values) != versionText(now.values))
-        return name + " was of version " + versionText(before.values) + ": made anew " + source + ", version " +
-               versionText(now.values);
-    return {};
-}
-
-std::vector<std::string> RestoreReport::lines(ISensorController& controller, const Parameters& parameters,
-                                              const std::map<int, int>& held) {
+std::vector<std::string> restoreLines(const OperationReport& start, const Parameters& parameters) {
     std::vector<std::string> lines;
-    for (const std::string& line :
-         {fate(-1, m_Factory, "from the module's factory values"), fate(0, m_FirstScheme, "from the factory values")})
-        if (!line.empty())
-            lines.push_back(line);
-
-    int scheme = -1;
-    std::string text;
-    controller.readCurrentParam(scheme, text);
-    std::map<int, int> values;
-    if (!parseParameterString(text, values) || values.empty()) {
-        // A scheme whose file cannot be read has no span yet when the start looks for one: it falls back.
-        scheme = -1;
-        values = look(scheme).values;
-    }
-    if (values.empty()) {
-        lines.push_back("restored nothing: " + nameOf(scheme) + " holds no parameters");
+    for (const OperationReport::File& file : start.files)
+        lines.push_back(fileLine(file));
+    if (start.parameters.empty()) {
+        lines.push_back("restored nothing: " +
+                        (start.source.empty() ? "no file was read" : nameOf(start.source) + " holds no parameters"));
         return lines;
     }
-    dropVersions(values);
+
     const std::map<int, int> factory = factoryValues();
+    std::map<Outcome, int> counts;
+    std::map<std::string, std::string> notTaken; // names by what became of them
     std::string changed;
-    std::string refused;
-    int count = 0;
-    std::size_t taken = 0;
-    for (const auto& [id, value] : values) {
-        if (held.count(id) == 0) {
-            refused += (refused.empty() ? "" : ", ") + parameters.nameOf(id);
+    int changes = 0;
+    for (const OperationReport::Parameter& parameter : start.parameters) {
+        const std::string name = parameters.nameOf(parameter.id);
+        if (!isTaken(parameter)) {
+            add(notTaken[outcomeText(parameter)], name);
             continue;
         }
-        ++taken;
-        const auto original = factory.find(id);
-        if (original == factory.end() || original->second == value)
+        ++counts[parameter.outcome];
+        const auto original = factory.find(parameter.id);
+        if (original == factory.end() || original->second == parameter.value)
             continue;
-        ++count;
-        changed += (changed.empty() ? "" : ", ") + parameters.nameOf(id) + ' ' + std::to_string(value) + " (factory " +
-                   std::to_string(original->second) + ')';
+        ++changes;
+        add(changed,
+            name + ' ' + std::to_string(parameter.value) + " (factory " + std::to_string(original->second) + ')');
+    }
+    int taken = 0;
+    std::string outcomes;
+    for (const auto& [outcome, count] : counts) {
+        taken += count;
+        add(outcomes, std::to_string(count) + ' ' + toText(outcome));
     }
     std::string restored = "restored " + std::to_string(taken);
-    if (!refused.empty())
-        restored += " of " + std::to_string(values.size());
-    restored += " parameters from " + nameOf(scheme);
-    if (count > 0)
-        restored += ", " + std::to_string(count) + " unlike the factory's: " + changed;
-    else if (taken > 0)
-        restored += ", all at their factory values";
+    if (!notTaken.empty())
+        restored += " of " + std::to_string(start.parameters.size());
+    restored += " parameters from " + nameOf(start.source);
+    if (taken > 0)
+        restored += " (" + outcomes + ')' +
+                    (changes > 0 ? ", " + std::to_string(changes) + " unlike the factory's: " + changed
+                                 : ", all at their factory values");
     lines.push_back(restored);
-    if (!refused.empty())
-        lines.push_back("not taken by the module: " + refused);
+    for (const auto& [outcome, names] : notTaken)
+        lines.push_back(std::string("not taken by the module (").append(outcome).append("): ").append(names));
     return lines;
 }
 

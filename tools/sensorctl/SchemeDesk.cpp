@@ -1,9 +1,10 @@
 #include "SchemeDesk.h"
 
-#include "Failure.h"
+#include "Explanation.h"
 #include "Interrupt.h"
-#include "Parameters.h"
-#include "RestoreReport.h"
+#include "StateFolder.h"
+#include "controller/SchemeParameters.h"
+#include "params/SensorConfigFile.h"
 
 #include <algorithm>
 #include <chrono>
@@ -12,11 +13,7 @@ namespace sensorctl {
 
 namespace {
 
-// The ids that every scheme has: flag, then start and end as an hour and tens of minutes.
-constexpr int FlagId = 500;
-constexpr int StartHourId = 501;
-constexpr int EndHourId = 503;
-constexpr int LastSpanId = 504;
+namespace scheme = sensorcontrol::scheme;
 
 constexpr std::chrono::milliseconds PollSpan{50};
 constexpr int PollCount = 100;
@@ -35,11 +32,20 @@ int minutesOf(const std::map<int, int>& values, int hourId) {
     return valueOf(hourId) * 60 + valueOf(hourId + 1) * 10;
 }
 
+/// "(500)(501)...".
+std::string schemeIds() {
+    std::string text;
+    for (int id = scheme::FirstId; id <= scheme::LastId; ++id)
+        text += '(' + std::to_string(id) + ')';
+    return text;
+}
+
 std::string name(int scheme) { return "scheme " + std::to_string(scheme); }
 
 } // namespace
 
-SchemeDesk::SchemeDesk(ISensorController& controller) : m_Controller(controller) {
+SchemeDesk::SchemeDesk(ISensorController& controller, const Parameters& parameters)
+    : m_Controller(controller), m_Parameters(parameters) {
     int count = 0;
     // What the installation's file asks for; the library makes no more than a hundred.
     if (m_Controller.getParamSchemeNum(count))
@@ -65,18 +71,18 @@ std::vector<SchemeDesk::Scheme> SchemeDesk::list() const {
     m_Controller.readCurrentParam(due, text);
     std::vector<Scheme> schemes;
     for (int i = 0; i < m_nCount; ++i) {
-        Scheme scheme{i, RestoreReport::filePath(i), false, false, 0, 0, i == current, i == due};
+        Scheme scheme{i, StateFolder::parameterFile(i), false, false, 0, 0, i == current, i == due};
         std::map<int, int> values;
         text.clear();
         if (i == current)
-            m_Controller.getParameters("(500)(501)(502)(503)(504)", text);
+            m_Controller.getParameters(schemeIds(), text);
         if (text.empty())
             m_Controller.readParamByScheme(i, text);
-        scheme.isReadable = parseParameterString(text, values) && values.count(FlagId) != 0;
+        scheme.isReadable = parseParameterString(text, values) && values.count(scheme::EnableId) != 0;
         if (scheme.isReadable) {
-            scheme.isEnabled = values[FlagId] != 0;
-            scheme.from = minutesOf(values, StartHourId);
-            scheme.to = minutesOf(values, EndHourId);
+            scheme.isEnabled = values[scheme::EnableId] != 0;
+            scheme.from = minutesOf(values, scheme::StartHourId);
+            scheme.to = minutesOf(values, scheme::EndHourId);
         }
         schemes.push_back(scheme);
     }
@@ -98,7 +104,7 @@ std::map<int, int> SchemeDesk::saved(int scheme) const {
     std::map<int, int> values;
     if (!m_Controller.readParamByScheme(scheme, text) || !parseParameterString(text, values) || values.empty())
         throw Failure(Trouble, name(scheme) + ": its file holds no parameters",
-                      {"file: " + RestoreReport::filePath(scheme), "try: scheme copy, from one that is whole"});
+                      {"file: " + StateFolder::parameterFile(scheme), "try: scheme copy, from one that is whole"});
     return values;
 }
 
@@ -111,9 +117,11 @@ void SchemeDesk::setAutomatic(bool isAutomatic) {
 void SchemeDesk::choose(int scheme) {
     checkIndex(scheme);
     saved(scheme);
+    OperationReport report;
+    const sensorcontrol::ReportScope scope(report);
     if (!m_Controller.setParamScheme(scheme))
         throw Failure(Refused, name(scheme) + ": the module did not take all of its values",
-                      {"try: sensorctl trace, for what the block said; a span must not end where it starts"});
+                      reasonsOf(report, m_Parameters));
 }
 
 void SchemeDesk::checkSaved() const {
@@ -127,8 +135,8 @@ void SchemeDesk::checkSaved() const {
         now.clear();
         if (m_Controller.getParameters('(' + std::to_string(id) + ')', text) && parseParameterString(text, now) &&
             now[id] != value)
-            unsaved += (unsaved.empty() ? "" : ", ") + std::to_string(id) + ' ' + std::to_string(now[id]) + " (saved " +
-                       std::to_string(value) + ')';
+            unsaved += (unsaved.empty() ? "" : ", ") + m_Parameters.nameOf(id) + ' ' + std::to_string(now[id]) +
+                       " (saved " + std::to_string(value) + ')';
     }
     if (!unsaved.empty())
         throw Failure(Refused, name(scheme) + " is in force with values that are not saved: " + unsaved,
@@ -141,6 +149,7 @@ void SchemeDesk::edit(int scheme, const std::string& what, const std::string& te
     if (wasAutomatic)
         setAutomatic(false); // the clock must not come in between
     std::string trouble;
+    std::vector<std::string> reasons;
     try {
         // A file that is broken is written anew from what is in force.
         std::string old;
@@ -152,31 +161,36 @@ void SchemeDesk::edit(int scheme, const std::string& what, const std::string& te
         // Without a span in force the new one meets no cross-check with the old one's halves.
         if (isSpan)
             m_Controller.reInitSchemeTimeMember();
+        OperationReport report;
+        const sensorcontrol::ReportScope scope(report);
         if (!m_Controller.setParameters(text))
             trouble = "the module did not take all of it";
         else if (!m_Controller.flush())
             trouble = "it could not be saved";
+        reasons = reasonsOf(report, m_Parameters);
     } catch (const Failure& failure) {
         trouble = failure.what();
+        reasons = failure.details();
     }
     if (before != scheme || !trouble.empty())
         m_Controller.setParamScheme(before);
     if (wasAutomatic)
         setAutomatic(true);
     if (!trouble.empty())
-        throw Failure(Refused, what + ": " + trouble, {"try: sensorctl trace, for what the block said"});
+        throw Failure(Refused, what + ": " + trouble, reasons);
 }
 
 void SchemeDesk::setSpan(int scheme, const DaySpan& span) {
     checkIndex(scheme);
     if (span.from % 10 != 0 || span.to % 10 != 0)
         throw Failure(Usage, "span " + span.text() + ": a scheme starts and ends on ten minutes");
-    edit(scheme, "span of " + name(scheme), timeGroups(StartHourId, span.from) + timeGroups(EndHourId, span.to), true);
+    edit(scheme, "span of " + name(scheme),
+         timeGroups(scheme::StartHourId, span.from) + timeGroups(scheme::EndHourId, span.to), true);
 }
 
 void SchemeDesk::setEnabled(int scheme, bool isEnabled) {
     checkIndex(scheme);
-    edit(scheme, name(scheme), group(FlagId, isEnabled ? 1 : 0), false);
+    edit(scheme, name(scheme), group(scheme::EnableId, isEnabled ? 1 : 0), false);
 }
 
 void SchemeDesk::copy(int from, int to) {
@@ -186,7 +200,7 @@ void SchemeDesk::copy(int from, int to) {
         throw Failure(Usage, "a scheme is not copied onto itself");
     std::string text;
     for (const auto& [id, value] : saved(from))
-        if (id < FlagId || (id > LastSpanId && id != SensorConfigFile::VersionId && id != SensorConfigFile::Version2Id))
+        if (!scheme::isSchemeId(id) && id != SensorConfigFile::VersionId && id != SensorConfigFile::Version2Id)
             text += group(id, value);
     edit(to, "copy onto " + name(to), text, false);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Parameters.h"
 #include "TimeOfDay.h"
 #include "controller/ISensorController.h"
 
@@ -13,7 +14,8 @@ namespace sensorctl {
 /// refused; those that change a scheme save it.
 class SchemeDesk {
 public:
-    explicit SchemeDesk(ISensorController& controller);
+    /// Both outlive it.
+    SchemeDesk(ISensorController& controller, const Parameters& parameters);
 
     struct Scheme {
         int index;
@@ -57,6 +59,7 @@ private:
     void edit(int scheme, const std::string& what, const std::string& text, bool isSpan);
 
     ISensorController& m_Controller;
+    const Parameters& m_Parameters;
     int m_nCount = 0;
 };
 

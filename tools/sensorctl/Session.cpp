@@ -8,71 +8,48 @@
 #include "RestoreReport.h"
 #include "SceneConsole.h"
 #include "host/ModuleConfigure.h"
+#include "host/SensorParameterParser.h"
 #include "host/linux/GpioCharacterDevice.h"
 #include "host/linux/MemoryGpio.h"
 #include "host/linux/SerialPort.h"
 #include "simulator/BlockRegistry.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 namespace sensorctl {
 
 namespace {
-
-constexpr const char* ErrorLogFile = "/mnt/mtd/log/SensorError.log";
-constexpr const char* InitLogFile = "/mnt/mtd/log/SensorInit.log";
-constexpr const char* UpMark = "ISensorController::initSensor  success";
-constexpr const char* TuningFailure = "objISPParamParse.parse failed";
-constexpr std::size_t ShownLines = 6;
-
-/// What a log line adds to what the user has been told: not the framework's repetitions nor the bytes, which the trace
-/// shows better.
-bool isReason(const std::string& line) {
-    for (const char* const start : {"===", "0x", "setParameterToSensor (", "setParameter (", UpMark})
-        if (line.starts_with(start))
-            return false;
-    return true;
-}
-
-void appendReasons(const std::vector<std::string>& log, std::vector<std::string>& details) {
-    std::vector<std::string> reasons;
-    for (const std::string& line : log)
-        if (isReason(line) && std::find(reasons.begin(), reasons.end(), line) == reasons.end())
-            reasons.push_back(line);
-    if (reasons.size() > ShownLines)
-        reasons.erase(reasons.begin(), reasons.end() - static_cast<std::ptrdiff_t>(ShownLines));
-    for (const std::string& reason : reasons)
-        details.push_back("reason: " + reason);
-}
-
-void appendWire(const std::vector<TraceLine>& lines, std::vector<std::string>& details) {
-    if (lines.empty())
-        details.emplace_back("wire: nothing was sent");
-    for (const TraceLine& line : lines)
-        details.push_back("wire: " + line.text());
-}
 
 std::string openingHint(const std::string& reason) {
     if (reason.find("ermission denied") != std::string::npos)
         return "try: the rights on the device; often a member of group dialout has them (usermod -aG dialout USER)";
     if (reason.find("No such") != std::string::npos)
         return "try: ls /dev/ttyUSB* /dev/ttyS* /dev/serial/by-id; is the adapter plugged in?";
-    if (reason.find("busy") != std::string::npos)
-        return "try: end the other program that holds it (fuser)";
+    if (reason.find("in use by") != std::string::npos)
+        return "try: end that program, or wait until it has ended";
     return "try: another --port or --line";
 }
 
-constexpr const char* SilenceHint =
-    "try: cable and power of the block, a longer wait after power-up, another --line (now it is ";
+/// While it lives, it cancels a start that the user wants to end, or that talks to nobody.
+class StartCanceller {
+public:
+    StartCanceller(SensorControllerManager& manager, const PortGuard& guard)
+        : m_Thread([&](const std::stop_token& end) {
+              while (!end.stop_requested() &&
+                     !((Interrupt::isRequested() || guard.isCut()) && manager.cancelStart() == 1))
+                  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+          }) {}
+
+private:
+    std::jthread m_Thread;
+};
 
 } // namespace
 
 Session::Session(Output& output, const TargetOptions& options)
-    : m_Output(output), m_Options(options), m_Parameters(options.moduleId),
-      m_Folder(options.rootFolder(), options.schemes), m_ErrorLog(m_Folder.pathOf(ErrorLogFile)),
-      m_InitLog(m_Folder.pathOf(InitLogFile)), m_Trace(makeDecoder(options.moduleId)) {
+    : m_Output(output), m_Options(options), m_Parameters(options.moduleId), m_Explanation(m_Options, m_Parameters),
+      m_Folder(options.rootFolder(), options.schemes), m_Trace(makeDecoder(options.moduleId)) {
     if (!m_Options.trace.empty()) {
         if (m_Options.trace != "-")
             m_Output.setTraceFile(m_Options.trace);
@@ -86,8 +63,10 @@ Session::Session(Output& output, const TargetOptions& options)
         SceneConsole::start();
     else if (m_Options.simulated)
         startBlock();
-    auto* const guard = new PortGuard(SafePointer<IUARTController>(
-        new sensorhost::TracedPort(SafePointer<IUARTController>(new sensorhost::SerialPort), m_Trace)));
+    auto* const serialPort = new sensorhost::SerialPort;
+    auto* const guard = new PortGuard(
+        SafePointer<IUARTController>(new sensorhost::TracedPort(SafePointer<IUARTController>(serialPort), m_Trace)),
+        *serialPort);
     m_pPort = SafePointer<IUARTController>(guard);
     m_pGuard = guard;
     m_Manager.setUARTController(m_pPort);
@@ -95,6 +74,7 @@ Session::Session(Output& output, const TargetOptions& options)
         m_Manager.setGPIO(SafePointer<IGPIO>(new sensorhost::GpioCharacterDevice));
     else
         m_Manager.setGPIO(SafePointer<IGPIO>(new sensorhost::MemoryGpio));
+    m_Manager.setObserver(&m_Events);
 }
 
 Session::~Session() = default;
@@ -102,14 +82,15 @@ Session::~Session() = default;
 void Session::startBlock() {
     std::unique_ptr<camerasim::CameraBlock> block = camerasim::makeBlock(m_Options.moduleId);
     // The values of the register that the family keeps its video system in.
-    constexpr std::uint32_t ntsc = 6;
-    constexpr std::uint32_t pal = 8;
+    constexpr std::uint32_t Ntsc = 6;
+    constexpr std::uint32_t Pal = 8;
     const bool isPal = (m_Options.videoSystemNumber() == 1) != m_Options.simulatedRestart;
     for (const camerasim::RegisterState& state : block->registers())
         if (state.name.starts_with("video system"))
-            block->setRegister(state.address, isPal ? pal : ntsc);
+            block->setRegister(state.address, isPal ? Pal : Ntsc);
     camerasim::PtyServer::Settings settings;
     settings.baud = m_Options.baudPace;
+    settings.linkPath = m_Folder.portLink();
     m_pBlock = std::make_unique<camerasim::PtyServer>(std::move(block), settings);
     std::string error;
     for (const std::string& plan : m_Options.faults)
@@ -132,20 +113,24 @@ std::vector<Reading> Session::pipelineReadings() const {
 void Session::bringUp() {
     const std::string device = m_pBlock != nullptr ? m_pBlock->portPath() : m_Options.device();
     const std::string shown = device.empty() ? "the chip" : device;
-    RestoreReport report;
-    m_pProgress = std::make_unique<Progress>(m_Output, shown);
-    addListener([this](const TraceLine& line) { m_pProgress->onLine(line); });
+    Progress progress(m_Output, shown);
+    m_Events.setProgress(&progress);
     // The shell lines of a first start complain of files that cannot be there yet.
     const Output::Hush hush(m_Output);
     m_pGuard->arm();
-    m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
-                   ModuleConfigure(m_Options.moduleId, m_Options.detailText(device), m_Options.parametersText()));
+    {
+        const sensorcontrol::ReportScope scope(m_Start);
+        const StartCanceller canceller(m_Manager, *m_pGuard);
+        m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
+                       ModuleConfigure(m_Options.moduleId, m_Options.detailText(device), m_Options.parametersText()));
+    }
     m_pGuard->disarm();
-    m_pProgress->end();
-    checkBringUp(shown, m_ErrorLog.takeNew());
-    for (const std::string& line : m_InitLog.takeNew())
-        m_Output.note("warning: " + line);
-    for (const std::string& line : report.lines(controller(), m_Parameters, values()))
+    m_Events.setProgress(nullptr);
+    progress.end();
+    checkBringUp(shown);
+    for (const std::string& message : m_Start.messages)
+        m_Output.note("warning: " + message);
+    for (const std::string& line : restoreLines(m_Start, m_Parameters))
         m_Output.note(line);
     settleSchemes();
 }
@@ -155,48 +140,36 @@ void Session::settleSchemes() {
         const int scheme = schemes().settle();
         if (scheme >= 0)
             m_Output.note("scheme " + std::to_string(scheme) + " put back in force from " +
-                          RestoreReport::filePath(scheme));
+                          StateFolder::parameterFile(scheme));
     } catch (const Failure& failure) {
         m_Output.report(failure);
     }
 }
 
-void Session::checkBringUp(const std::string& device, const std::vector<std::string>& errors) {
-    const std::string what = "bring-up of module " + std::to_string(m_Options.moduleId) + " on " + device + ": ";
+void Session::checkBringUp(const std::string& device) const {
+    const std::string what = "bring-up of module " + std::to_string(m_Options.moduleId) + " on " + device;
     if (Interrupt::isRequested())
-        throw Failure(Interrupted, what + "interrupted");
-    std::vector<std::string> details;
+        throw Failure(Interrupted, what + ": interrupted");
     if (!m_pGuard->failure().empty())
-        throw Failure(Trouble, what + m_pGuard->failure(), {openingHint(m_pGuard->failure())});
-    if (m_pGuard->isCut()) {
-        appendWire(m_Trace.linesSince(0, ShownLines), details);
-        if (m_pGuard->hasPortFailed()) {
-            details.emplace_back("try: is the adapter still plugged in?");
-            throw Failure(Trouble, what + "the port failed", details);
-        }
-        details.push_back(SilenceHint + m_Options.lineText() + ')');
-        throw Failure(NoAnswer, what + "no answer from the block", details);
+        throw Failure(Trouble, what + ": " + m_pGuard->failure(), {openingHint(m_pGuard->failure())});
+    if (m_pGuard->isCut() && !m_pGuard->hasPortFailed()) {
+        // The first frame: behind the cut the port takes none.
+        const std::span<const OperationReport::Frame> frames = m_Start.frames;
+        std::vector<std::string> details = m_Explanation.wire(frames.first(frames.empty() ? 0 : 1));
+        details.push_back(m_Explanation.silenceHint());
+        throw Failure(NoAnswer, what + ": no answer from the block", details);
     }
-    const bool isUp = controller().getSensorStatus() == ISensorController::InitSuccess ||
-                      std::find(errors.begin(), errors.end(), UpMark) != errors.end();
-    if (!isUp) {
-        appendReasons(errors, details);
-        appendWire(m_Trace.linesSince(0, ShownLines), details);
-        throw Failure(Trouble, what + "failed", details);
-    }
-    // Only the on-chip pipeline has a tuning file; that there is none is no news.
-    const bool hasTuning = std::filesystem::exists(m_Folder.pathOf(StateFolder::TuningFile));
-    for (const std::string& line : errors)
-        if ((isReason(line) || line.starts_with("setParameter (")) && (hasTuning || line != TuningFailure))
-            m_Output.note("warning: " + line);
+    if (m_pGuard->isCut() || !m_Start.isUp)
+        throw m_Explanation.ofOperation(what, m_Start, Trouble, "");
 }
 
 template <class Operation>
-void Session::perform(const std::string& what, Operation operation, ExitCode unsentCode, const std::string& hint) {
-    m_ErrorLog.takeNew();
-    const std::size_t mark = m_Trace.mark();
+void Session::perform(const std::string& what, Operation operation, ExitCode unsentCode,
+                      const std::string& hint) const {
+    OperationReport report;
+    const sensorcontrol::ReportScope scope(report);
     if (operation() != 1)
-        throw explain(what, mark, unsentCode, hint);
+        throw m_Explanation.ofOperation(what, report, unsentCode, hint);
 }
 
 std::optional<int> Session::value(int id) {
@@ -232,8 +205,12 @@ int Session::readValue(const sensorcontrol::ParameterInfo& parameter) {
                       {"try: sensorctl set " + parameter.name + (parameter.isCommand ? "" : "=VALUE")});
     if (const std::optional<int> held = value(parameter.id))
         return *held;
-    throw Failure(Refused, what + "the module did not take its value at the bring-up",
-                  {"try: sensorctl trace, for what the block said"});
+    std::vector<std::string> details;
+    for (const OperationReport::Parameter& tried : m_Start.parameters)
+        if (tried.id == parameter.id)
+            details.push_back("reason: " + outcomeText(tried));
+    details.emplace_back("try: sensorctl trace, for what the block said");
+    throw Failure(Refused, what + "the module did not take its value at the bring-up", details);
 }
 
 int Session::dayNightStatus() {
@@ -246,13 +223,11 @@ int Session::dayNightStatus() {
     return status;
 }
 
-void Session::set(const sensorcontrol::ParameterInfo& parameter, int value) {
-    const std::string what =
-        "set " + parameter.name + '=' + std::to_string(value) + " (id " + std::to_string(parameter.id) + ')';
-    const std::string group = '(' + std::to_string(parameter.id) + ',' + std::to_string(value) + ')';
-    perform(
-        what, [&] { return controller().setParameters(group); }, Refused,
-        "accepted: " + Parameters::acceptsText(parameter));
+OperationReport Session::set(const std::map<int, int>& values) {
+    OperationReport report;
+    const sensorcontrol::ReportScope scope(report);
+    controller().setParameters(SensorParameterParser::createSensorParameterString(values));
+    return report;
 }
 
 std::string Session::flush() {
@@ -261,40 +236,19 @@ std::string Session::flush() {
         "try: room and rights in " + m_Options.rootFolder() + "; a parameter without a value (sensorctl list)");
     int scheme = 0;
     controller().getParamScheme(scheme);
-    return RestoreReport::filePath(scheme);
+    return StateFolder::parameterFile(scheme);
 }
 
 void Session::reset() {
     perform(
         "reset", [&] { return controller().resetParameters(); }, Trouble,
-        "try: is " + RestoreReport::filePath(-1) + " there and whole?");
+        "try: is " + StateFolder::parameterFile(-1) + " there and whole?");
 }
 
 void Session::resetToLast() {
     perform(
         "reset --last", [&] { return controller().resetToLastParameters(); }, Trouble,
         "try: sensorctl reset, for the factory values");
-}
-
-Failure Session::explain(const std::string& what, std::size_t mark, ExitCode unsentCode, const std::string& hint) {
-    std::vector<std::string> details;
-    appendReasons(m_ErrorLog.takeNew(), details);
-    appendWire(m_Trace.linesSince(mark, ShownLines), details);
-    switch (m_Trace.outcomeSince(mark)) {
-    case WireTrace::Outcome::Silent:
-    case WireTrace::Outcome::Incomplete:
-        details.push_back(SilenceHint + m_Options.lineText() + ')');
-        return {NoAnswer, what + ": no answer from the block", details};
-    case WireTrace::Outcome::PortFailed:
-        details.emplace_back("try: is the adapter still plugged in?");
-        return {Trouble, what + ": the port failed", details};
-    case WireTrace::Outcome::Answered:
-        details.push_back(hint);
-        return {Refused, what + ": refused", details};
-    default:
-        details.push_back(hint);
-        return {unsentCode, what + (unsentCode == Refused ? ": refused" : ": failed"), details};
-    }
 }
 
 } // namespace sensorctl

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Failure.h"
-#include "LogTail.h"
+#include "ControllerEvents.h"
+#include "Explanation.h"
 #include "ModuleConsole.h"
 #include "Parameters.h"
 #include "PipelineReadings.h"
@@ -22,7 +22,6 @@ namespace sensorctl {
 
 class Output;
 class PortGuard;
-class Progress;
 
 /// A module and all that stands around it: the folder of the library's files, the port, a simulated block if there is
 /// one, the manager. Destruction takes it down.
@@ -60,9 +59,16 @@ public:
     /// Day/night as the module or the board reports it: 1 day, 0 night. Throws Failure.
     int dayNightStatus();
 
-    SchemeDesk schemes() { return SchemeDesk(controller()); }
+    SchemeDesk schemes() { return {controller(), m_Parameters}; }
+    /// What the controller told of itself since the last call, the bring-up included.
+    std::vector<ControllerEvents::Event> takeEvents() { return m_Events.take(); }
 
-    void set(const sensorcontrol::ParameterInfo& parameter, int value);
+    /// Sets all of them, ascending by id, whatever becomes of one; the report has each.
+    OperationReport set(const std::map<int, int>& values);
+    /// Why a parameter of such a report was not taken.
+    Failure explain(const OperationReport& report, const OperationReport::Parameter& parameter) const {
+        return m_Explanation.ofParameter(report, parameter);
+    }
     /// Gives the path of the file that was written.
     std::string flush();
     void reset();
@@ -71,24 +77,23 @@ public:
 private:
     void startBlock();
     void settleSchemes();
-    void checkBringUp(const std::string& device, const std::vector<std::string>& errors);
-    /// Runs an operation of the library; throws what the log and the wire say of it if it gives 0.
+    void checkBringUp(const std::string& device) const;
+    /// Runs an operation of the library; throws what its report says if it gives 0.
     template <class Operation>
-    void perform(const std::string& what, Operation operation, ExitCode unsentCode, const std::string& hint);
-    Failure explain(const std::string& what, std::size_t mark, ExitCode unsentCode, const std::string& hint);
+    void perform(const std::string& what, Operation operation, ExitCode unsentCode, const std::string& hint) const;
     ISensorController& controller() { return *m_Manager.getSensorController(); }
 
     Output& m_Output;
     const TargetOptions m_Options;
     const Parameters m_Parameters;
+    const Explanation m_Explanation;
     StateFolder m_Folder;
-    LogTail m_ErrorLog;
-    LogTail m_InitLog;
     std::unique_ptr<camerasim::PtyServer> m_pBlock;
-    std::unique_ptr<Progress> m_pProgress;
     WireTrace m_Trace;
     SafePointer<IUARTController> m_pPort;
     PortGuard* m_pGuard = nullptr;
+    ControllerEvents m_Events;
+    OperationReport m_Start;
     SensorControllerManager m_Manager;
 };
 

@@ -1,6 +1,7 @@
 #include "StateFolder.h"
 
 #include "Failure.h"
+#include "host/DevicePaths.h"
 #include "host/XmlConfigureTool.h"
 #include "host/linux/HostSettings.h"
 
@@ -17,12 +18,14 @@ namespace sensorctl {
 
 namespace {
 
-constexpr const char* Folders[] = {"/mnt/mtd/code/config_file", "/mnt/mtd/log", "/hd1/moduleConfig"};
-constexpr const char* SchemeCountFile = "/hd1/moduleConfig/sensorAbility.xml";
+namespace paths = sensorcontrol::paths;
+using sensorhost::hostPath;
+
+constexpr const char* Folders[] = {paths::ParameterFolder, paths::LogFolder, paths::ModuleFolder};
 
 bool createSchemeCountFile(int count) {
     XmlConfigureTool tool;
-    if (!tool.open(SchemeCountFile, 1, XmlConfigureTool::Create))
+    if (!tool.open(paths::SchemeCountFile, 1, XmlConfigureTool::Create))
         return false;
     tool.setRootNodeName("sensorAbility");
     XmlConfigureNode node("paramScheme");
@@ -46,17 +49,21 @@ StateFolder::StateFolder(const std::string& folder, int schemes) : m_strFolder(f
         throw;
     }
     sensorhost::setRootFolder(m_strFolder);
-    const bool isMissing = !std::filesystem::exists(pathOf(SchemeCountFile));
+    const bool isMissing = !std::filesystem::exists(hostPath(paths::SchemeCountFile));
     if ((isMissing || schemes > 0) && !createSchemeCountFile(std::max(schemes, 1)))
-        throw Failure(Trouble, pathOf(SchemeCountFile) + " cannot be written");
+        throw Failure(Trouble, hostPath(paths::SchemeCountFile) + " cannot be written");
 }
 
 StateFolder::~StateFolder() { ::close(m_nLock); }
 
-std::string StateFolder::pathOf(const char* devicePath) const { return sensorhost::hostPath(devicePath); }
+std::string StateFolder::parameterFile(int scheme) {
+    return hostPath(scheme < 0 ? paths::FactoryFile : paths::SchemeFilePrefix + std::to_string(scheme + 1) + ".cfg");
+}
+
+std::string StateFolder::portLink() const { return m_strFolder + "/port"; }
 
 void StateFolder::installTuning(const std::string& file) const {
-    const std::filesystem::path target = pathOf(TuningFile);
+    const std::filesystem::path target = hostPath(paths::TuningFile);
     std::error_code error;
     std::filesystem::create_directories(target.parent_path(), error);
     std::filesystem::copy_file(file, target, std::filesystem::copy_options::overwrite_existing, error);

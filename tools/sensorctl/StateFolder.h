@@ -14,12 +14,12 @@ public:
     StateFolder(const StateFolder&) = delete;
     StateFolder& operator=(const StateFolder&) = delete;
 
-    static constexpr const char* TuningFile = "/hd1/program/config/ISPParam.xml";
-
     /// Makes a file the tuning file of the on-chip pipeline. Throws Failure with Trouble.
     void installTuning(const std::string& file) const;
-    /// Where a file of the device lies.
-    std::string pathOf(const char* devicePath) const;
+    /// Where the parameter file of a scheme (from 0) lies, -1 for the factory's.
+    static std::string parameterFile(int scheme);
+    /// A name in the folder for the port of a simulated block.
+    std::string portLink() const;
 
 private:
     void prepare();

@@ -62,9 +62,9 @@ void SvgDrawing::path(const std::vector<Point>& points, std::string_view colour,
 }
 
 void SvgDrawing::text(double x, double y, std::string_view text, Anchor anchor, double size, std::string_view colour) {
-    constexpr const char* names[] = {"start", "middle", "end"};
+    constexpr const char* Names[] = {"start", "middle", "end"};
     m_strBody += "<text" + attribute("x", x) + attribute("y", y) +
-                 attribute("text-anchor", names[static_cast<int>(anchor)]) + attribute("font-size", size) +
+                 attribute("text-anchor", Names[static_cast<int>(anchor)]) + attribute("font-size", size) +
                  attribute("fill", colour) + '>' + escaped(text) + "</text>\n";
 }
 

@@ -73,8 +73,10 @@ std::string hexText(std::span<const std::uint8_t> bytes) {
     return text;
 }
 
-std::string TraceLine::text() const {
-    return timeText(seconds) + ' ' + nameOf(direction) + ' ' + (bytes.empty() ? "-" : hexText(bytes)) + " # " + meaning;
+std::string TraceLine::text() const { return timeText(seconds) + ' ' + wireText(); }
+
+std::string TraceLine::wireText() const {
+    return std::string(nameOf(direction)) + ' ' + (bytes.empty() ? "-" : hexText(bytes)) + " # " + meaning;
 }
 
 nlohmann::ordered_json TraceLine::json() const {

@@ -29,6 +29,8 @@ struct TraceLine {
     std::string meaning;
 
     std::string text() const;
+    /// The same without the time.
+    std::string wireText() const;
     nlohmann::ordered_json json() const;
     /// Fills in the meaning; lines without bytes keep theirs.
     void decode(FrameDecoder& decoder);

@@ -5,6 +5,7 @@
 #include "Output.h"
 #include "Session.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -100,16 +101,29 @@ void BlockInput::execute(const std::string& line) {
     }
 }
 
-void recordChange(Output& output, Clock::time_point start, const std::string& what,
-                  const nlohmann::ordered_json& value) {
-    const double seconds = std::round(std::chrono::duration<double>(Clock::now() - start).count() * 1000) / 1000;
-    char time[32];
-    std::snprintf(time, sizeof time, "%.3f ", seconds);
+void recordChange(Output& output, Clock::duration time, const std::string& what, const nlohmann::ordered_json& value) {
+    const double seconds = std::max(0.0, std::round(std::chrono::duration<double>(time).count() * 1000) / 1000);
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3f ", seconds);
     nlohmann::ordered_json object;
     object["seconds"] = seconds;
     object["what"] = what;
     object["value"] = value;
-    output.record(time + what + ' ' + (value.is_string() ? value.get<std::string>() : value.dump()), object);
+    output.record(text + what + ' ' + (value.is_string() ? value.get<std::string>() : value.dump()), object);
+}
+
+void recordEvent(Output& output, Clock::time_point start, const ControllerEvents::Event& event) {
+    switch (event.kind) {
+    case ControllerEvents::Kind::DayNight:
+        recordChange(output, event.when - start, "daynight", stateText(event.value));
+        break;
+    case ControllerEvents::Kind::Scheme:
+        recordChange(output, event.when - start, "scheme", event.value);
+        break;
+    case ControllerEvents::Kind::Port:
+        recordChange(output, event.when - start, "port", event.value != 0 ? "back" : "lost");
+        break;
+    }
 }
 
 } // namespace
@@ -118,7 +132,10 @@ void setDayNight(Session& session, const std::string& mode) {
     for (const ModeRow& row : Modes) {
         if (row.name != mode)
             continue;
-        session.set(session.parameters().find(ModeParameter), row.value);
+        const OperationReport report = session.set({{session.parameters().find(ModeParameter).id, row.value}});
+        for (const OperationReport::Parameter& parameter : report.parameters)
+            if (!isTaken(parameter))
+                throw session.explain(report, parameter);
         return;
     }
     throw Failure(Usage, "daynight: \"" + mode + "\" is no mode", {"there are: auto, day, night, clock, module"});
@@ -172,30 +189,21 @@ int watch(Output& output, const TargetOptions& target, double seconds) {
     BlockInput input(output, session);
     const auto start = Clock::now();
     const auto end = start + toSpan(seconds);
-    int state = -1;
     std::map<int, int> values = session.values();
     std::map<std::string, double> readings;
     while (output.isWritable()) {
-        int now = state;
-        try {
-            now = session.dayNightStatus();
-        } catch (const Failure& failure) {
-            if (output.isVerbose())
-                output.report(failure);
-        }
-        if (now != state)
-            recordChange(output, start, "daynight", stateText(now));
-        state = now;
+        for (const ControllerEvents::Event& event : session.takeEvents())
+            recordEvent(output, start, event);
         for (const auto& [id, value] : session.values()) {
             const auto old = values.find(id);
             if (old == values.end() || old->second != value)
-                recordChange(output, start, session.parameters().nameOf(id), value);
+                recordChange(output, Clock::now() - start, session.parameters().nameOf(id), value);
             values[id] = value;
         }
         for (const auto& [name, value] : session.pipelineReadings()) {
             const auto [entry, isNew] = readings.try_emplace(name, value);
             if (isNew || entry->second != value)
-                recordChange(output, start, name, readingJson(value));
+                recordChange(output, Clock::now() - start, name, readingJson(value));
             entry->second = value;
         }
         const auto next = std::min(end, Clock::now() + PollSpan);

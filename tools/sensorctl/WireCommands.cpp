@@ -111,15 +111,7 @@ int trace(Output& output, const TargetOptions& target, const std::vector<std::st
     Session session(output, target);
     session.addListener([&output](const TraceLine& line) { output.record(line.text(), line.json()); });
     session.bringUp();
-    int code = Done;
-    for (const auto& [id, value] : session.parameters().parseAssignments(assignments)) {
-        try {
-            session.set(*session.parameters().findId(id), value);
-        } catch (const Failure& failure) {
-            output.report(failure);
-            code = code == Done ? failure.code() : code;
-        }
-    }
+    const int code = applyParameters(output, session, assignments, false);
     if (seconds > 0)
         Interrupt::sleep(std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)));
     return code;

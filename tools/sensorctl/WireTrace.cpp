@@ -27,7 +27,7 @@ void WireTrace::onSend(double seconds, const char* bytes, int length, int result
     line.bytes = copyOf(bytes, length);
     const std::lock_guard guard(m_Mutex);
     m_bAnswerDue = result == length;
-    add(std::move(line), result == length ? Outcome::Silent : Outcome::PortFailed);
+    add(std::move(line));
 }
 
 void WireTrace::onReceive(double seconds, const char* bytes, int received, int wanted, int timeout) {
@@ -37,69 +37,32 @@ void WireTrace::onReceive(double seconds, const char* bytes, int received, int w
     TraceLine line;
     line.seconds = seconds - m_dStart;
     line.direction = TraceLine::Direction::Received;
-    Outcome outcome = Outcome::Answered;
     if (received > 0) {
         line.bytes = copyOf(bytes, received);
-        outcome = received < wanted ? Outcome::Incomplete : Outcome::Answered;
     } else if (received == 0) {
         char text[64];
         std::snprintf(text, sizeof text, "nothing within %d.%d s, %d bytes wanted", timeout / 10, timeout % 10, wanted);
         line.meaning = text;
-        outcome = Outcome::Silent;
     } else {
         line.meaning = "the port failed";
-        outcome = Outcome::PortFailed;
     }
-    // Bytes that come behind an answer are drained: they say nothing of what became of the command.
-    if (!m_bAnswerDue)
-        outcome = received < 0 ? Outcome::PortFailed : Outcome::NothingSent;
     m_bAnswerDue = false;
-    add(std::move(line), outcome);
+    add(std::move(line));
 }
 
-void WireTrace::add(TraceLine line, Outcome outcome) {
+void WireTrace::add(TraceLine line) {
     if (m_pDecoder != nullptr)
         line.decode(*m_pDecoder);
     for (const std::unique_ptr<Listener>& listener : m_Listeners)
         listener->hear(line);
-    m_Entries.push_back({std::move(line), std::this_thread::get_id(), outcome});
-    if (m_Entries.size() > Capacity) {
-        m_Entries.pop_front();
-        ++m_nForgotten;
-    }
-}
-
-std::size_t WireTrace::mark() const {
-    const std::lock_guard guard(m_Mutex);
-    return m_nForgotten + m_Entries.size();
-}
-
-WireTrace::Outcome WireTrace::outcomeSince(std::size_t mark) const {
-    const std::lock_guard guard(m_Mutex);
-    for (std::size_t i = m_Entries.size(); i > 0 && i + m_nForgotten > mark; --i) {
-        const Entry& entry = m_Entries[i - 1];
-        if (entry.thread == std::this_thread::get_id() && entry.outcome != Outcome::NothingSent)
-            return entry.outcome;
-    }
-    return Outcome::NothingSent;
-}
-
-std::vector<TraceLine> WireTrace::linesSince(std::size_t mark, std::size_t limit) const {
-    const std::lock_guard guard(m_Mutex);
-    std::vector<TraceLine> lines;
-    for (std::size_t i = m_Entries.size(); i > 0 && i + m_nForgotten > mark && lines.size() < limit; --i)
-        if (m_Entries[i - 1].thread == std::this_thread::get_id())
-            lines.push_back(m_Entries[i - 1].line);
-    std::reverse(lines.begin(), lines.end());
-    return lines;
+    m_Lines.push_back(std::move(line));
+    if (m_Lines.size() > Capacity)
+        m_Lines.pop_front();
 }
 
 std::vector<TraceLine> WireTrace::lastLines(std::size_t limit) const {
     const std::lock_guard guard(m_Mutex);
-    std::vector<TraceLine> lines;
-    for (std::size_t i = m_Entries.size() - std::min(m_Entries.size(), limit); i < m_Entries.size(); ++i)
-        lines.push_back(m_Entries[i].line);
-    return lines;
+    return {m_Lines.end() - static_cast<std::ptrdiff_t>(std::min(m_Lines.size(), limit)), m_Lines.end()};
 }
 
 } // namespace sensorctl

@@ -9,7 +9,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -41,29 +40,16 @@ public:
     void onSend(double seconds, const char* bytes, int length, int result) override;
     void onReceive(double seconds, const char* bytes, int received, int wanted, int timeout) override;
 
-    /// What became of the last command of the calling thread since the mark.
-    enum class Outcome { NothingSent, PortFailed, Silent, Incomplete, Answered };
-    std::size_t mark() const;
-    Outcome outcomeSince(std::size_t mark) const;
-    /// The lines of the calling thread since the mark, the last so many of them.
-    std::vector<TraceLine> linesSince(std::size_t mark, std::size_t limit) const;
-    /// The last lines of all threads.
+    /// The last lines.
     std::vector<TraceLine> lastLines(std::size_t limit) const;
 
 private:
-    struct Entry {
-        TraceLine line;
-        std::thread::id thread;
-        Outcome outcome;
-    };
-
-    void add(TraceLine line, Outcome outcome);
+    void add(TraceLine line);
 
     mutable std::mutex m_Mutex;
     std::unique_ptr<FrameDecoder> m_pDecoder;
     std::vector<std::unique_ptr<Listener>> m_Listeners;
-    std::deque<Entry> m_Entries;
-    std::size_t m_nForgotten = 0;
+    std::deque<TraceLine> m_Lines;
     const double m_dStart;
     /// A silent read is worth a line only where an answer was due.
     bool m_bAnswerDue = false;

@@ -109,7 +109,7 @@ int setDoorMode(ISensorController& controller, int mode) {
 }
 
 /// The library's numbers of the mirror modes none, 1, 2 and both.
-constexpr std::uint8_t mirrorModes[] = {0, 2, 1, 3};
+constexpr std::uint8_t MirrorModes[] = {0, 2, 1, 3};
 
 } // namespace
 
@@ -131,20 +131,20 @@ struct BreltoISPSenseController::Field {
 
 // Failure texts stand where a call can fail; those with a blank at the end have it on purpose.
 struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
-    static constexpr Field::Word whiteBalance{&Block::m_nWBCtrl, BrAewb_UiGetWbCtrlMode, BrAewb_UiSetWbCtrlMode};
-    static constexpr Field wbMode{whiteBalance, 0, 3};
-    static constexpr Field wbManual{whiteBalance, 4, 7};
-    static constexpr Field redGain{whiteBalance, 8, 15};
-    static constexpr Field blueGain{whiteBalance, 16, 31};
+    static constexpr Field::Word WhiteBalance{&Block::m_nWBCtrl, BrAewb_UiGetWbCtrlMode, BrAewb_UiSetWbCtrlMode};
+    static constexpr Field WbMode{WhiteBalance, 0, 3};
+    static constexpr Field WbManual{WhiteBalance, 4, 7};
+    static constexpr Field RedGain{WhiteBalance, 8, 15};
+    static constexpr Field BlueGain{WhiteBalance, 16, 31};
 
-    static constexpr Field::Word hdr{&Block::m_nHDRCtrl, BrAewb_UiGetHdrMode, BrAewb_UiSetHdrMode};
-    static constexpr Field hdrLevel{hdr, 0, 3};
-    static constexpr Field hdrRunMode{hdr, 4, 7};
+    static constexpr Field::Word Hdr{&Block::m_nHDRCtrl, BrAewb_UiGetHdrMode, BrAewb_UiSetHdrMode};
+    static constexpr Field HdrLevel{Hdr, 0, 3};
+    static constexpr Field HdrRunMode{Hdr, 4, 7};
 
-    static constexpr Field::Word noiseReduction{&Block::m_nNR, BrAewb_UiGetNrCtrl, BrAewb_UiSetNrCtrl};
-    static constexpr Field nrControl{noiseReduction, 0, 3, "nrcontrol", "nrcontrol"};
-    static constexpr Field nrManual{noiseReduction, 8, 15, "kongyu", "nrman"};
-    static constexpr Field nrAuto{noiseReduction, 16, 23, "max", "nrauto"};
+    static constexpr Field::Word NoiseReduction{&Block::m_nNR, BrAewb_UiGetNrCtrl, BrAewb_UiSetNrCtrl};
+    static constexpr Field NrControl{NoiseReduction, 0, 3, "nrcontrol", "nrcontrol"};
+    static constexpr Field NrManual{NoiseReduction, 8, 15, "kongyu", "nrman"};
+    static constexpr Field NrAuto{NoiseReduction, 16, 23, "max", "nrauto"};
 
     template <const Field& Bits>
     static int setBits(ISensorController& controller, int value) {
@@ -155,7 +155,7 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
         return static_cast<Block&>(controller).getField(Bits, value);
     }
 
-    static constexpr auto rows = std::to_array<ParameterRow>({
+    static constexpr auto Rows = std::to_array<ParameterRow>({
         {.id = 1, .name = "Brightness", .set = writeChecked<BrAewb_UiSetBrtness>, .get = read<BrAewb_UiGetBrtness>},
         {.id = 2, .name = "Saturation", .set = write<BrAewb_UiSetSatDgr>, .get = read<BrAewb_UiGetSatDgr>},
         {.id = 3, .name = "Contrast", .set = write<BrAewb_UiSetContrast>, .get = read<BrAewb_UiGetContrast>},
@@ -230,31 +230,31 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
          .name = "WBmode",
          .accepts = range(0, 1),
          .refusal = "p_nWBmode is out of range",
-         .set = setBits<wbMode>,
-         .get = getBits<wbMode>},
+         .set = setBits<WbMode>,
+         .get = getBits<WbMode>},
         {.id = 27,
          .name = "WBmanual",
          .accepts = range(0, 5),
          .refusal = "p_nWBmanual is out of range",
-         .set = setBits<wbManual>,
-         .get = getBits<wbManual>},
+         .set = setBits<WbManual>,
+         .get = getBits<WbManual>},
         {.id = 28,
          .name = "RedGain",
          .accepts = range(0, 100),
          .refusal = "p_nRedGain is out of range",
-         .set = setBits<redGain>,
-         .get = getBits<redGain>},
+         .set = setBits<RedGain>,
+         .get = getBits<RedGain>},
         {.id = 29,
          .name = "BlueGain",
          .accepts = range(0, 100),
          .refusal = "p_nBlueGain is out of range",
-         .set = setBits<blueGain>,
-         .get = getBits<blueGain>},
+         .set = setBits<BlueGain>,
+         .get = getBits<BlueGain>},
         {.id = 30,
          .name = "MirrorMode",
          .accepts = range(0, 3),
          .refusal = "CommonOperator.setMirrorMode Error: value(%d)",
-         .value = lookedUp(mirrorModes),
+         .value = lookedUp(MirrorModes),
          .set = write<BrAewb_UiSetMirrorFlipMode>,
          .factory = 0},
         {.id = 32,
@@ -266,11 +266,11 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
          .name = "HDRRunMode",
          .accepts = range(0, 1),
          .refusal = "setHDRMode out of range,setHDRMode=%d",
-         .set = setBits<hdrRunMode>,
-         .get = getBits<hdrRunMode>},
+         .set = setBits<HdrRunMode>,
+         .get = getBits<HdrRunMode>},
         {.id = 34, .name = "NRMode", .set = call<&Block::setNRMode>, .factory = 0},
-        {.id = NRManualId, .name = "NRManual", .set = setBits<nrManual>, .get = getBits<nrManual>},
-        {.id = 36, .name = "NRAuto", .set = setBits<nrAuto>, .get = getBits<nrAuto>},
+        {.id = NRManualId, .name = "NRManual", .set = setBits<NrManual>, .get = getBits<NrManual>},
+        {.id = 36, .name = "NRAuto", .set = setBits<NrAuto>, .get = getBits<NrAuto>},
         {.id = 37, .name = "TNF", .set = call<&ISensorController::setTNF>, .get = ask<&ISensorController::getTNF>},
         {.id = 39,
          .name = "DoorMode",
@@ -292,10 +292,10 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
          .set = call<&ISensorController::setTNFMode>,
          .get = ask<&ISensorController::getTNFMode>},
     });
-    static_assert(isWellFormed(rows));
+    static_assert(isWellFormed(Rows));
 
-    static constexpr ModelDescription description{.className = "BreltoISPSenseController",
-                                                  .rows = rows,
+    static constexpr ModelDescription Description{.className = "BreltoISPSenseController",
+                                                  .rows = Rows,
                                                   .hasPort = false,
                                                   .waitMicroseconds = 0,
                                                   .unservedText = "paramid=%d error ",
@@ -304,21 +304,21 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
 };
 
 BreltoISPSenseController::BreltoISPSenseController(int moduleId) : ISensorController(moduleId) {
-    ParameterTable::registerIds(*m_pIdManager, Table::description);
+    ParameterTable::registerIds(*m_pIdManager, Table::Description);
     setSensorConfigVersion(23);
     setSensorConfigVersion2(4);
 }
 
 BreltoISPSenseController::~BreltoISPSenseController() { stopDNChangeThread(); }
 
-const ModelDescription& BreltoISPSenseController::model() { return Table::description; }
+const ModelDescription& BreltoISPSenseController::model() { return Table::Description; }
 
 int BreltoISPSenseController::getParameterFromSensor(int id, int& value) {
-    return ParameterTable::get(*this, Table::description, id, value);
+    return ParameterTable::get(*this, Table::Description, id, value);
 }
 
 int BreltoISPSenseController::setParameterToSensor(int id, int value) {
-    return ParameterTable::set(*this, Table::description, id, value);
+    return ParameterTable::set(*this, Table::Description, id, value);
 }
 
 int BreltoISPSenseController::initController(int, const ModuleConfigure& configure) {
@@ -389,7 +389,7 @@ int BreltoISPSenseController::getCurrentGain(int& gain) {
     return 1;
 }
 
-int BreltoISPSenseController::updateHDRMode(int level) { return setField(Table::hdrLevel, level); }
+int BreltoISPSenseController::updateHDRMode(int level) { return setField(Table::HdrLevel, level); }
 
 int BreltoISPSenseController::setHDRMode(int mode) {
     if (mode < 0 || mode > HDRByDayAndNight) {
@@ -432,11 +432,11 @@ int BreltoISPSenseController::setNRMode(int mode) {
     }
 }
 
-int BreltoISPSenseController::setNRManual(int strength) { return setField(Table::nrManual, strength); }
+int BreltoISPSenseController::setNRManual(int strength) { return setField(Table::NrManual, strength); }
 
-int BreltoISPSenseController::setNRControl(int control) { return setField(Table::nrControl, control); }
+int BreltoISPSenseController::setNRControl(int control) { return setField(Table::NrControl, control); }
 
-int BreltoISPSenseController::getNRControl(int& control) { return getField(Table::nrControl, control); }
+int BreltoISPSenseController::getNRControl(int& control) { return getField(Table::NrControl, control); }
 
 int BreltoISPSenseController::setPowerFrequency(int frequency) {
     m_nPowerFrequency = frequency;

@@ -66,10 +66,10 @@ private:
     int getField(const Field& field, int& value);
 
     int m_nHDR = 0; ///< ability, from the module keys
-    // Images of the library's words, under m_UartMutex: no port, but the same one exchange at a time.
-    std::uint32_t m_nWBCtrl = 0;
-    std::uint32_t m_nHDRCtrl = 0;
-    std::uint32_t m_nNR = 0;
+    // Images of the library's words. There is no port, but the same one exchange at a time.
+    std::uint32_t m_nWBCtrl SENSOR_GUARDED_BY(m_UartMutex) = 0;
+    std::uint32_t m_nHDRCtrl SENSOR_GUARDED_BY(m_UartMutex) = 0;
+    std::uint32_t m_nNR SENSOR_GUARDED_BY(m_UartMutex) = 0;
     int m_nAutoIris = 0; ///< from the module keys
     std::atomic<int> m_nPowerFrequency{0};
 };

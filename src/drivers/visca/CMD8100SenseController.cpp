@@ -22,12 +22,12 @@ constexpr int ShutterId = 7;
 constexpr int FocusModeId = 15;
 
 /// Maximum gain 0 to 38 in the block's 16 steps.
-constexpr std::uint8_t gainSteps[] = {
+constexpr std::uint8_t GainSteps[] = {
     0, 1, 1, 1, 2,  2,  3,  3,  3,  4,  4,  5,  5,  5,  6,  6,  7,  7,  7,  8,
     8, 9, 9, 9, 10, 10, 11, 11, 11, 12, 12, 13, 13, 13, 14, 14, 15, 15, 15,
 };
 
-constexpr auto blockRows = std::to_array<ParameterRow>({
+constexpr auto BlockRows = std::to_array<ParameterRow>({
     {.id = ExposalModeId,
      .name = "ExposalMode",
      .accepts = range(0, 3),
@@ -98,7 +98,7 @@ constexpr auto blockRows = std::to_array<ParameterRow>({
      .name = "Threshold",
      .accepts = range(0, 28),
      .refusal = "p_nThreshold(%d) is out of range",
-     .onlyWhile = withoutInfrared,
+     .onlyWhile = WithoutInfrared,
      .send = setting(0x21, 0, 0, HI, LO),
      .factory = 10},
     {.id = 14,
@@ -106,7 +106,7 @@ constexpr auto blockRows = std::to_array<ParameterRow>({
      .accepts = range(0, 38),
      .refusal = "p_nMaxGain(%d) is out of range",
      .send = setting(0x2c, V),
-     .value = lookedUp(gainSteps),
+     .value = lookedUp(GainSteps),
      .factory = 30,
      .getFailure = "getGainLimit error,value is %d"},
     {.id = FocusModeId, .name = "FocusMode", .set = call<&Block::setFocusMode>, .factory = 1},
@@ -190,34 +190,34 @@ constexpr auto blockRows = std::to_array<ParameterRow>({
      .setFailure = "OnePushTrigger failed\n"},
 });
 
-constexpr auto rows = joined(blockRows, maskRows);
-static_assert(isWellFormed(rows));
+constexpr auto Rows = joined(BlockRows, MaskRows);
+static_assert(isWellFormed(Rows));
 
-constexpr FramePattern manualSwitching = setting(0x51, 0x03);
-constexpr FramePattern toDay[] = {manualSwitching, setting(0x01, 0x03)};
-constexpr FramePattern toNight[] = {manualSwitching, setting(0x01, 0x02)};
-constexpr FramePattern toAuto[] = {setting(0x51, 0x02)};
+constexpr FramePattern ManualSwitching = setting(0x51, 0x03);
+constexpr FramePattern ToDay[] = {ManualSwitching, setting(0x01, 0x03)};
+constexpr FramePattern ToNight[] = {ManualSwitching, setting(0x01, 0x02)};
+constexpr FramePattern ToAuto[] = {setting(0x51, 0x02)};
 
-constexpr ViscaModel cmd8100{
-    .parameters = {.className = "CMD8100SenseController", .rows = rows},
-    .turnToDay = toDay,
-    .turnToNight = toNight,
-    .turnToAuto = toAuto,
+constexpr ViscaModel Cmd8100{
+    .parameters = {.className = "CMD8100SenseController", .rows = Rows},
+    .turnToDay = ToDay,
+    .turnToNight = ToNight,
+    .turnToAuto = ToAuto,
 };
 
-constexpr ViscaVideoSystem videoSystems{
+constexpr ViscaVideoSystem VideoSystems{
     .ntsc = 0x06, .pal = 0x08, .restart = FramePattern(0xfe, 0x05, 0x03, 0x01, 0x01, 0x0a, 0xff)};
 
 } // namespace
 
-CMD8100SenseController::CMD8100SenseController() : ViscaController(16, cmd8100) {
+CMD8100SenseController::CMD8100SenseController() : ViscaController(16, Cmd8100) {
     setSensorConfigVersion(4);
     setSensorConfigVersion2(3);
 }
 
 CMD8100SenseController::~CMD8100SenseController() { stopDNChangeThread(); }
 
-const ViscaModel& CMD8100SenseController::model() { return cmd8100; }
+const ViscaModel& CMD8100SenseController::model() { return Cmd8100; }
 
 int CMD8100SenseController::initController(int, const ModuleConfigure& configure) {
     if (!bringUpPort(configure, &m_nGeneration))
@@ -229,7 +229,7 @@ int CMD8100SenseController::initController(int, const ModuleConfigure& configure
 
 int CMD8100SenseController::setSensorVideoSystem(int videoSystem, const VideoResolution&) {
     BreltoTime::wait(BreltoTime(0, 100));
-    return changeVideoSystem(videoSystems, videoSystem);
+    return changeVideoSystem(VideoSystems, videoSystem);
 }
 
 int CMD8100SenseController::NotifySensorInitComplate() { return notifyByInquiry(); }
@@ -237,8 +237,8 @@ int CMD8100SenseController::NotifySensorInitComplate() { return notifyByInquiry(
 int CMD8100SenseController::getMirrorValue(int& value) { return getParameter(MirrorId, value); }
 
 int CMD8100SenseController::setExposalMode(int mode) {
-    static constexpr std::uint8_t modes[] = {0x00, 0x0a, 0x0b, 0xa0};
-    if (mode < 0 || mode > 3 || !send(setting(0x39, V), modes[mode]))
+    static constexpr std::uint8_t Modes[] = {0x00, 0x0a, 0x0b, 0xa0};
+    if (mode < 0 || mode > 3 || !send(setting(0x39, V), Modes[mode]))
         return 0;
     if (mode != 1 && mode != 2)
         return 1;
@@ -252,14 +252,14 @@ int CMD8100SenseController::setMirror(int mirror) {
         std::uint8_t leftRight;
         std::uint8_t upDown;
     };
-    static constexpr Commands common[] = {{0x03, 0x03}, {0x02, 0x03}, {0x03, 0x02}, {0x02, 0x02}};
+    static constexpr Commands Common[] = {{0x03, 0x03}, {0x02, 0x03}, {0x03, 0x02}, {0x02, 0x02}};
     // The fourth generation is mounted upside down.
-    static constexpr Commands fourth[] = {{0x02, 0x02}, {0x03, 0x02}, {0x02, 0x03}, {0x03, 0x03}};
+    static constexpr Commands Fourth[] = {{0x02, 0x02}, {0x03, 0x02}, {0x02, 0x03}, {0x03, 0x03}};
     if (mirror < 0 || mirror > 3) {
         ErrorPrintf("p_nMirror(%d) is out of range", mirror);
         return 0;
     }
-    const Commands& commands = m_nGeneration == 4 ? fourth[mirror] : common[mirror];
+    const Commands& commands = m_nGeneration == 4 ? Fourth[mirror] : Common[mirror];
     return send(setting(0x61, V), commands.leftRight) && send(setting(0x66, V), commands.upDown) ? 1 : 0;
 }
 
@@ -277,7 +277,7 @@ int CMD8100SenseController::setFocusMode(int mode) {
 }
 
 int CMD8100SenseController::getFocusMode(int& mode) {
-    return ParameterTable::factoryValue(cmd8100.parameters, FocusModeId, mode);
+    return ParameterTable::factoryValue(Cmd8100.parameters, FocusModeId, mode);
 }
 
 int CMD8100SenseController::setDayNightMode(int mode) {

@@ -9,6 +9,8 @@
 
 #include "drivers/visca/ViscaController.h"
 
+#include "controller/DriverServices.h"
+#include "controller/Recorder.h"
 #include "drivers/Exchange.h"
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/ParameterTable.h"
@@ -33,11 +35,11 @@ constexpr int AcknowledgementLength = 3;
 constexpr int RestartSeconds = 20;
 
 bool isAccepted(ISensorController& controller, std::span<const char>, std::span<const char> reply) {
-    static constexpr char acknowledgement[] = {'\x90', 0x41, '\xff'};
-    static constexpr char completion[] = {'\x90', 0x51, '\xff'};
+    static constexpr char Acknowledgement[] = {'\x90', 0x41, '\xff'};
+    static constexpr char Completion[] = {'\x90', 0x51, '\xff'};
     const int length = static_cast<int>(reply.size());
-    return controller.checkUARTRecv(acknowledgement, AcknowledgementLength, reply.data(), length) ||
-           controller.checkUARTRecv(completion, AcknowledgementLength, reply.data(), length);
+    return controller.checkUARTRecv(Acknowledgement, AcknowledgementLength, reply.data(), length) ||
+           controller.checkUARTRecv(Completion, AcknowledgementLength, reply.data(), length);
 }
 
 void reportRefusal(ISensorController& controller, const ExchangeRule& rule, int attempt, std::span<const char> command,
@@ -49,8 +51,8 @@ void reportRefusal(ISensorController& controller, const ExchangeRule& rule, int 
                            static_cast<unsigned char>(reply[2]));
 }
 
-constexpr ExchangeRule inquiryRule{.name = "getParameterValue", .timeout = 4};
-constexpr ExchangeRule settingRule{
+constexpr ExchangeRule InquiryRule{.name = "getParameterValue", .timeout = 4};
+constexpr ExchangeRule SettingRule{
     .name = "setParameterValue", .timeout = 4, .accepts = isAccepted, .reportRefusal = reportRefusal};
 
 } // namespace
@@ -102,12 +104,12 @@ int ViscaController<Base>::setParameterToSensor(int id, int value) {
 
 template <class Base>
 int ViscaController<Base>::getParameterValue(const char* command, int length, char* reply, int replyLength) {
-    return runExchange(inquiryRule, command, length, replyLength, reply);
+    return runExchange(InquiryRule, command, length, replyLength, reply);
 }
 
 template <class Base>
 int ViscaController<Base>::setParameterValue(const char* command, int length) {
-    return runExchange(settingRule, command, length, AcknowledgementLength, nullptr);
+    return runExchange(SettingRule, command, length, AcknowledgementLength, nullptr);
 }
 
 template <class Base>
@@ -148,9 +150,9 @@ int ViscaController<Base>::turn(std::span<const FramePattern> frames, const Fram
 
 template <class Base>
 int ViscaController<Base>::getDNStatusFromSensor(int& status) {
-    constexpr FramePattern::Frame command = inquiry(0x01).build(0);
+    constexpr FramePattern::Frame StateInquiry = inquiry(0x01).build(0);
     char reply[4];
-    if (!this->getParameterValue(command.data(), static_cast<int>(inquiry(0x01).size()), reply, sizeof reply)) {
+    if (!this->getParameterValue(StateInquiry.data(), static_cast<int>(inquiry(0x01).size()), reply, sizeof reply)) {
         this->ErrorPrintf("%s", m_Model.statusFailure);
         return 0;
     }
@@ -200,9 +202,10 @@ int ViscaController<Base>::bringUpPort(const ModuleConfigure& configure, int* ge
 
 template <class Base>
 int ViscaController<Base>::changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem) {
-    constexpr FramePattern::Frame command = inquiry(0x24, 0x72).build(0);
+    constexpr FramePattern::Frame VideoInquiry = inquiry(0x24, 0x72).build(0);
     char reply[5];
-    if (!this->getParameterValue(command.data(), static_cast<int>(inquiry(0x24, 0x72).size()), reply, sizeof reply)) {
+    if (!this->getParameterValue(VideoInquiry.data(), static_cast<int>(inquiry(0x24, 0x72).size()), reply,
+                                 sizeof reply)) {
         this->ErrorPrintf("get sensor video system failed");
         return 0;
     }
@@ -216,23 +219,23 @@ int ViscaController<Base>::changeVideoSystem(const ViscaVideoSystem& rules, int 
     if (!send(setting(0x24, 0x72, 0x00, V), wanted))
         return 0;
     if (sendRaw(rules.restart) != static_cast<int>(rules.restart.size())) {
-        BreltoTime::wait(BreltoTime(1, 0));
+        DriverServices::wait(*this, BreltoTime(1, 0));
         return 0;
     }
     std::puts("Restarting sensor");
-    BreltoTime::wait(BreltoTime(RestartSeconds, 0));
+    DriverServices::waitForRestart(*this, RestartSeconds);
     this->clearUartBuffer();
     return 1;
 }
 
 template <class Base>
 int ViscaController<Base>::notifyByInquiry() {
-    constexpr FramePattern frame = inquiry(0x22);
-    const int sent = sendRaw(frame);
-    if (sent == static_cast<int>(frame.size()))
+    constexpr FramePattern VersionInquiry = inquiry(0x22);
+    const int sent = sendRaw(VersionInquiry);
+    if (sent == static_cast<int>(VersionInquiry.size()))
         return 1;
     this->ErrorPrintf("send @NotifySensorInitComplate failed,nRet=%d", sent);
-    BreltoTime::wait(BreltoTime(1, 0));
+    DriverServices::wait(*this, BreltoTime(1, 0));
     return 0;
 }
 
@@ -245,7 +248,12 @@ int ViscaController<Base>::send(const FramePattern& frame, int value) {
 template <class Base>
 int ViscaController<Base>::sendRaw(const FramePattern& frame) {
     const FramePattern::Frame bytes = frame.build(0);
-    return this->m_pUARTController->send(this->m_nUartHandle, bytes.data(), static_cast<int>(frame.size()));
+    const std::span<const char> command(bytes.data(), frame.size());
+    const int length = static_cast<int>(command.size());
+    const int sent = this->m_pUARTController->send(this->m_nUartHandle, command.data(), length);
+    recorder::frame(command, sent == length ? OperationReport::Answer::NotRead : OperationReport::Answer::PortFailed,
+                    {});
+    return sent;
 }
 
 template <class Base>

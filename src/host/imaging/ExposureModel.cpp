@@ -7,9 +7,9 @@ namespace sensorhost {
 
 namespace {
 
-constexpr double UNIT_EXPOSURE = 1e6; ///< microseconds at unity gain and 1 lux
-constexpr double LEAST_LIGHT = 1e-6;
-constexpr int SHORTEST_SHUTTER = 100;
+constexpr double UnitExposure = 1e6; ///< microseconds at unity gain and 1 lux
+constexpr double LeastLight = 1e-6;
+constexpr int ShortestShutter = 100;
 
 /// `limit` may lie below `least`, as a user sets it.
 int within(double wanted, int least, int limit) {
@@ -19,12 +19,12 @@ int within(double wanted, int least, int limit) {
 } // namespace
 
 Exposure exposeScene(double lux, const ExposureSettings& settings) {
-    const double needed = UNIT_EXPOSURE / std::max(lux, LEAST_LIGHT) * settings.brightness / 50;
+    const double needed = UnitExposure / std::max(lux, LeastLight) * settings.brightness / 50;
     Exposure exposure;
     const double assumedGain = settings.isGainFixed ? std::max(settings.fixedGain, 1) : UnityGain;
     exposure.shutter = settings.isShutterFixed
                            ? settings.fixedShutter
-                           : within(needed * UnityGain / assumedGain, SHORTEST_SHUTTER, settings.longestShutter);
+                           : within(needed * UnityGain / assumedGain, ShortestShutter, settings.longestShutter);
     exposure.gain = settings.isGainFixed
                         ? settings.fixedGain
                         : within(needed * UnityGain / std::max(exposure.shutter, 1), UnityGain, settings.mostGain);

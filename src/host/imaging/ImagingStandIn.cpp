@@ -1,189 +1,63 @@
 #include "host/imaging/ImagingStandIn.h"
 
 #include <algorithm>
-#include <array>
-#include <atomic>
+#include <map>
 #include <mutex>
-#include <string_view>
+#include <span>
+#include <utility>
 
 namespace sensorhost {
 
 namespace {
 
-/// What the pipeline keeps.
-enum class Slot {
-    None,
-    KTNFWorkMode,
-    KTNFTYPE,
-    KTNFTNFA0,
-    KTNFTNFTM,
-    DcSub,
-    EEEnable,
-    EdgeEnhance,
-    DisplayMode,
-    Brtness,
-    SatDgr,
-    Contrast,
-    Sharpness,
-    HlcCtrl,
-    AeCtrlMode,
-    NightColorMode,
-    MaxGain4Auto,
-    FixGain4Manu,
-    MaxShutr4Auto,
-    FixShutr4Manu,
-    GainCtrlMode,
-    ShutrCtrlMode,
-    WbCtrlMode,
-    HdrMode,
-    NrCtrl,
-    DayToNightTransition,
-    NightToDayTransition,
-    DayNightStat,
-    IncreaseValue,
-    IrisCtrlMod,
-    MirrorFlipMode,
-    VideoSystem,
-    Gain,
-    Iso,
-    DoorMode,
-    Count
+constexpr std::size_t CallLimit = 100'000;
+constexpr std::size_t MisuseLimit = 100;
+constexpr std::size_t CurveLength = 1024;
+
+struct Function;
+Function* g_pFirst = nullptr; ///< the list of all
+
+/// One function of the libraries. Each that is defined below is in the list from the moment that this library is
+/// loaded.
+struct Function {
+    explicit Function(std::string_view itsName) : name(itsName), next(std::exchange(g_pFirst, this)) {}
+
+    std::string_view name;
+    Function* next;
+    std::optional<int> result; ///< that it was told to give
+    std::optional<int> nextResult;
 };
 
-enum class Function {
-    DRV_init,
-    DRV_exit,
-    ALG_sysInit,
-    brewfi_init,
-    brewfi_exit,
-    DRV_SetKTNFWorkMode,
-    DRV_SetKTNF_TYPE,
-    DRV_SetKTNF_TNF_A0,
-    DRV_SetKTNF_TNF_TM,
-    DRV_isifSetDcSub,
-    DRV_ipipeSetEEEnable,
-    DRV_ipipeSetEdgeEnhance,
-    DRV_displaySetMode,
-    BrAewb_UiGetBrtness,
-    BrAewb_UiSetBrtness,
-    BrAewb_UiGetSatDgr,
-    BrAewb_UiSetSatDgr,
-    BrAewb_UiGetContrast,
-    BrAewb_UiSetContrast,
-    BrAewb_UiGetSharpness,
-    BrAewb_UiSetSharpness,
-    BrAewb_UiGetHlcCtrl,
-    BrAewb_UiSetHlcCtrl,
-    BrAewb_UiGetAeCtrlMode,
-    BrAewb_UiSetAeCtrlMode,
-    BrAewb_UiGetNightColorMode,
-    BrAewb_UiSetNightColorMode,
-    BrAewb_UiGetMaxGain4Auto,
-    BrAewb_UiSetMaxGain4Auto,
-    BrAewb_UiGetFixGain4Manu,
-    BrAewb_UiSetFixGain4Manu,
-    BrAewb_UiGetMaxShutr4Auto,
-    BrAewb_UiSetMaxShutr4Auto,
-    BrAewb_UiGetFixShutr4Manu,
-    BrAewb_UiSetFixShutr4Manu,
-    BrAewb_UiGetGainCtrlMode,
-    BrAewb_UiSetGainCtrlMode,
-    BrAewb_UiGetShutrCtrlMode,
-    BrAewb_UiSetShutrCtrlMode,
-    BrAewb_UiGetWbCtrlMode,
-    BrAewb_UiSetWbCtrlMode,
-    BrAewb_UiGetHdrMode,
-    BrAewb_UiSetHdrMode,
-    BrAewb_UiGetNrCtrl,
-    BrAewb_UiSetNrCtrl,
-    BrAewb_UiGetDayToNightTransition,
-    BrAewb_UiSetDayToNightTransition,
-    BrAewb_UiGetNightToDayTransition,
-    BrAewb_UiSetNightToDayTransition,
-    BrAewb_UiSetDayNightStat,
-    BrAewb_UiSetIncreaseValue,
-    BrAewb_UiSetIrisCtrlMod,
-    BrAewb_UiSetMirrorFlipMode,
-    BrAewb_UiSetVideoSystem,
-    BrAewb_UiGetGain,
-    BrAewb_UiGetIso,
-    braewb_ioctrlParam,
-    Count
+/// The name as the compiler writes it, "Of = " before it.
+template <auto Of>
+constexpr std::string_view nameOf() {
+    std::string_view text = __PRETTY_FUNCTION__;
+    text.remove_prefix(text.find("Of = ") + 5);
+    text.remove_prefix(text.front() == '&' ? 1 : 0);
+    return text.substr(0, text.find_first_of(";]"));
+}
+
+template <auto Of>
+Function g_FunctionOf{nameOf<Of>()};
+
+Function* findFunction(std::string_view name) {
+    Function* function = g_pFirst;
+    while (function != nullptr && function->name != name)
+        function = function->next;
+    return function;
+}
+
+std::size_t findVerb(std::string_view name) { return std::min(name.find("Get"), name.find("Set")); }
+
+/// A read and its setter have one value: their names differ in the verb only.
+struct LessByValue {
+    bool operator()(std::string_view one, std::string_view other) const { return parts(one) < parts(other); }
+
+    static std::pair<std::string_view, std::string_view> parts(std::string_view name) {
+        const std::size_t verb = findVerb(name);
+        return {name.substr(0, verb), verb != name.npos ? name.substr(verb + 3) : std::string_view()};
+    }
 };
-
-struct Row {
-    std::string_view name; ///< ends with a zero byte
-    Slot slot = Slot::None;
-};
-
-/// In the order of Function.
-constexpr auto ROWS = std::to_array<Row>({
-    {"DRV_init"},
-    {"DRV_exit"},
-    {"ALG_sysInit"},
-    {"brewfi_init"},
-    {"brewfi_exit"},
-    {"DRV_SetKTNFWorkMode", Slot::KTNFWorkMode},
-    {"DRV_SetKTNF_TYPE", Slot::KTNFTYPE},
-    {"DRV_SetKTNF_TNF_A0", Slot::KTNFTNFA0},
-    {"DRV_SetKTNF_TNF_TM", Slot::KTNFTNFTM},
-    {"DRV_isifSetDcSub", Slot::DcSub},
-    {"DRV_ipipeSetEEEnable", Slot::EEEnable},
-    {"DRV_ipipeSetEdgeEnhance", Slot::EdgeEnhance},
-    {"DRV_displaySetMode", Slot::DisplayMode},
-    {"BrAewb_UiGetBrtness", Slot::Brtness},
-    {"BrAewb_UiSetBrtness", Slot::Brtness},
-    {"BrAewb_UiGetSatDgr", Slot::SatDgr},
-    {"BrAewb_UiSetSatDgr", Slot::SatDgr},
-    {"BrAewb_UiGetContrast", Slot::Contrast},
-    {"BrAewb_UiSetContrast", Slot::Contrast},
-    {"BrAewb_UiGetSharpness", Slot::Sharpness},
-    {"BrAewb_UiSetSharpness", Slot::Sharpness},
-    {"BrAewb_UiGetHlcCtrl", Slot::HlcCtrl},
-    {"BrAewb_UiSetHlcCtrl", Slot::HlcCtrl},
-    {"BrAewb_UiGetAeCtrlMode", Slot::AeCtrlMode},
-    {"BrAewb_UiSetAeCtrlMode", Slot::AeCtrlMode},
-    {"BrAewb_UiGetNightColorMode", Slot::NightColorMode},
-    {"BrAewb_UiSetNightColorMode", Slot::NightColorMode},
-    {"BrAewb_UiGetMaxGain4Auto", Slot::MaxGain4Auto},
-    {"BrAewb_UiSetMaxGain4Auto", Slot::MaxGain4Auto},
-    {"BrAewb_UiGetFixGain4Manu", Slot::FixGain4Manu},
-    {"BrAewb_UiSetFixGain4Manu", Slot::FixGain4Manu},
-    {"BrAewb_UiGetMaxShutr4Auto", Slot::MaxShutr4Auto},
-    {"BrAewb_UiSetMaxShutr4Auto", Slot::MaxShutr4Auto},
-    {"BrAewb_UiGetFixShutr4Manu", Slot::FixShutr4Manu},
-    {"BrAewb_UiSetFixShutr4Manu", Slot::FixShutr4Manu},
-    {"BrAewb_UiGetGainCtrlMode", Slot::GainCtrlMode},
-    {"BrAewb_UiSetGainCtrlMode", Slot::GainCtrlMode},
-    {"BrAewb_UiGetShutrCtrlMode", Slot::ShutrCtrlMode},
-    {"BrAewb_UiSetShutrCtrlMode", Slot::ShutrCtrlMode},
-    {"BrAewb_UiGetWbCtrlMode", Slot::WbCtrlMode},
-    {"BrAewb_UiSetWbCtrlMode", Slot::WbCtrlMode},
-    {"BrAewb_UiGetHdrMode", Slot::HdrMode},
-    {"BrAewb_UiSetHdrMode", Slot::HdrMode},
-    {"BrAewb_UiGetNrCtrl", Slot::NrCtrl},
-    {"BrAewb_UiSetNrCtrl", Slot::NrCtrl},
-    {"BrAewb_UiGetDayToNightTransition", Slot::DayToNightTransition},
-    {"BrAewb_UiSetDayToNightTransition", Slot::DayToNightTransition},
-    {"BrAewb_UiGetNightToDayTransition", Slot::NightToDayTransition},
-    {"BrAewb_UiSetNightToDayTransition", Slot::NightToDayTransition},
-    {"BrAewb_UiSetDayNightStat", Slot::DayNightStat},
-    {"BrAewb_UiSetIncreaseValue", Slot::IncreaseValue},
-    {"BrAewb_UiSetIrisCtrlMod", Slot::IrisCtrlMod},
-    {"BrAewb_UiSetMirrorFlipMode", Slot::MirrorFlipMode},
-    {"BrAewb_UiSetVideoSystem", Slot::VideoSystem},
-    {"BrAewb_UiGetGain", Slot::Gain},
-    {"BrAewb_UiGetIso", Slot::Iso},
-    {"braewb_ioctrlParam", Slot::DoorMode},
-});
-static_assert(ROWS.size() == static_cast<std::size_t>(Function::Count));
-
-constexpr std::size_t SLOT_COUNT = static_cast<std::size_t>(Slot::Count);
-constexpr std::size_t CALL_LIMIT = 100'000;
-constexpr std::size_t MISUSE_LIMIT = 100;
-constexpr std::size_t CURVE_LENGTH = 1024;
-
-constexpr std::size_t indexOf(Function function) { return static_cast<std::size_t>(function); }
 
 enum class Stage { Off, Driver, Algorithms, Started };
 
@@ -192,10 +66,8 @@ enum class Stage { Off, Driver, Algorithms, Started };
 struct ImagingStandIn::State {
     mutable std::mutex mutex;
     Stage stage = Stage::Off;
-    std::array<int, SLOT_COUNT> values{};
+    std::map<std::string_view, int, LessByValue> values; ///< of what was set so far
     std::optional<double> lux;
-    std::array<bool, ROWS.size()> failing{};
-    std::array<bool, ROWS.size()> failingNext{};
     std::vector<std::int32_t> edgeWords;
     std::vector<std::int32_t> edgeCurve;
     bool recording = false;
@@ -208,20 +80,23 @@ struct ImagingStandIn::State {
     // second. Night falls at half the gain there is, a light below which colours drown in noise, and ends well above.
     void switchOn() {
         stage = Stage::Off;
-        values.fill(0);
+        values = {{"BrAewb_UiGetBrtness", 50},
+                  {"BrAewb_UiGetSatDgr", 50},
+                  {"BrAewb_UiGetContrast", 50},
+                  {"BrAewb_UiGetSharpness", 50},
+                  {"BrAewb_UiGetGain", UnityGain},
+                  {"BrAewb_UiGetIso", UnityGain},
+                  {"BrAewb_UiGetMaxGain4Auto", 64 * UnityGain},
+                  {"BrAewb_UiGetFixGain4Manu", UnityGain},
+                  {"BrAewb_UiGetMaxShutr4Auto", 40000},
+                  {"BrAewb_UiGetFixShutr4Manu", 10000},
+                  {"BrAewb_UiGetDayToNightTransition", 32 * UnityGain},
+                  {"BrAewb_UiGetNightToDayTransition", 4 * UnityGain}};
         lux.reset();
-        for (const Slot slot : {Slot::Brtness, Slot::SatDgr, Slot::Contrast, Slot::Sharpness})
-            valueOf(slot) = 50;
-        valueOf(Slot::Gain) = UnityGain;
-        valueOf(Slot::Iso) = UnityGain;
-        valueOf(Slot::MaxGain4Auto) = 64 * UnityGain;
-        valueOf(Slot::FixGain4Manu) = UnityGain;
-        valueOf(Slot::MaxShutr4Auto) = 40000;
-        valueOf(Slot::FixShutr4Manu) = 10000;
-        valueOf(Slot::DayToNightTransition) = 32 * UnityGain;
-        valueOf(Slot::NightToDayTransition) = 4 * UnityGain;
-        failing.fill(false);
-        failingNext.fill(false);
+        for (Function* function = g_pFirst; function != nullptr; function = function->next) {
+            function->result.reset();
+            function->nextResult.reset();
+        }
         edgeWords.clear();
         edgeCurve.clear();
         recording = false;
@@ -229,49 +104,40 @@ struct ImagingStandIn::State {
         misuses.clear();
     }
 
-    Exposure exposure() {
+    int valueOf(std::string_view function) const {
+        const auto found = values.find(function);
+        return found != values.end() ? found->second : 0;
+    }
+
+    Exposure exposure() const {
         if (!lux)
-            return {.shutter = 0, .gain = valueOf(Slot::Gain), .iso = valueOf(Slot::Iso)};
-        return exposeScene(*lux, {.isGainFixed = valueOf(Slot::GainCtrlMode) == 1,
-                                  .isShutterFixed = valueOf(Slot::ShutrCtrlMode) == 1,
-                                  .mostGain = valueOf(Slot::MaxGain4Auto),
-                                  .fixedGain = valueOf(Slot::FixGain4Manu),
-                                  .longestShutter = valueOf(Slot::MaxShutr4Auto),
-                                  .fixedShutter = valueOf(Slot::FixShutr4Manu),
-                                  .brightness = valueOf(Slot::Brtness)});
+            return {.shutter = 0, .gain = valueOf("BrAewb_UiGetGain"), .iso = valueOf("BrAewb_UiGetIso")};
+        return exposeScene(*lux, {.isGainFixed = valueOf("BrAewb_UiGetGainCtrlMode") == 1,
+                                  .isShutterFixed = valueOf("BrAewb_UiGetShutrCtrlMode") == 1,
+                                  .mostGain = valueOf("BrAewb_UiGetMaxGain4Auto"),
+                                  .fixedGain = valueOf("BrAewb_UiGetFixGain4Manu"),
+                                  .longestShutter = valueOf("BrAewb_UiGetMaxShutr4Auto"),
+                                  .fixedShutter = valueOf("BrAewb_UiGetFixShutr4Manu"),
+                                  .brightness = valueOf("BrAewb_UiGetBrtness")});
     }
 
-    int answer(Function function) {
-        switch (ROWS[indexOf(function)].slot) {
-        case Slot::Gain:
-            return exposure().gain;
-        case Slot::Iso:
-            return exposure().iso;
-        default:
-            return valueOf(function);
-        }
+    int record(const Function& function, std::span<const int> arguments, int result) {
+        if (recording && calls.size() < CallLimit)
+            calls.push_back({function.name, {arguments.begin(), arguments.end()}, result});
+        return result;
     }
 
-    int& valueOf(Slot slot) { return values[static_cast<std::size_t>(slot)]; }
-    int& valueOf(Function function) { return valueOf(ROWS[indexOf(function)].slot); }
-
-    void record(Function function, int value) {
-        if (recording && calls.size() < CALL_LIMIT)
-            calls.push_back({ROWS[indexOf(function)].name.data(), value});
+    void noteMisuse(const Function& function) {
+        if (misuses.size() < MisuseLimit)
+            misuses.emplace_back(function.name);
     }
 
-    void misused(Function function) {
-        if (misuses.size() < MISUSE_LIMIT)
-            misuses.emplace_back(ROWS[indexOf(function)].name);
-    }
-
-    /// Whether the call does its work.
-    bool passes(Function function, Stage needed) {
+    /// What the call was told to give, if anything.
+    std::optional<int> takeResult(Function& function, Stage needed) {
         if (stage < needed)
-            misused(function);
-        const bool once = failingNext[indexOf(function)];
-        failingNext[indexOf(function)] = false;
-        return !once && !failing[indexOf(function)];
+            noteMisuse(function);
+        const std::optional<int> once = std::exchange(function.nextResult, std::nullopt);
+        return once ? once : function.result;
     }
 };
 
@@ -281,36 +147,61 @@ namespace {
 
 using Guard = std::lock_guard<std::mutex>;
 
-std::size_t findRow(std::string_view name) {
-    const auto found = std::find_if(ROWS.begin(), ROWS.end(), [name](const Row& row) { return row.name == name; });
-    return static_cast<std::size_t>(found - ROWS.begin());
+/// `scene` says which part of the exposure is read, null for a value that was set.
+template <auto Of>
+int read(int Exposure::*scene = nullptr) {
+    ImagingStandIn::State& s = imagingState();
+    Function& function = g_FunctionOf<Of>;
+    const Guard guard(s.mutex);
+    const std::optional<int> told = s.takeResult(function, Stage::Started);
+    const int value = scene != nullptr ? s.exposure().*scene : s.valueOf(function.name);
+    return s.record(function, {}, told.value_or(value));
 }
 
-int read(Function function) {
+/// Keeps the last argument, unless the call fails.
+int write(Function& function, std::span<const int> arguments) {
     ImagingStandIn::State& s = imagingState();
     const Guard guard(s.mutex);
-    const int value = s.passes(function, Stage::Started) ? s.answer(function) : -1;
-    s.record(function, value);
-    return value;
+    const int result = s.takeResult(function, Stage::Started).value_or(0);
+    if (result == 0)
+        s.values[function.name] = arguments.back();
+    return s.record(function, arguments, result);
 }
 
-int write(Function function, int value) {
-    ImagingStandIn::State& s = imagingState();
-    const Guard guard(s.mutex);
-    s.record(function, value);
-    if (!s.passes(function, Stage::Started))
-        return -1;
-    s.valueOf(function) = value;
-    return 0;
+template <auto Of, class... Arguments>
+int write(Arguments... arguments) {
+    return write(g_FunctionOf<Of>, std::initializer_list<int>{arguments...});
 }
 
-int changeStage(Function function, Stage needed, Stage reached) {
+/// A call with arguments of which nobody knows what the library makes of them.
+template <auto Of, class... Arguments>
+int refuse(Arguments... arguments) {
     ImagingStandIn::State& s = imagingState();
     const Guard guard(s.mutex);
-    s.record(function, 0);
-    if (!s.passes(function, needed))
-        return -1;
-    s.stage = reached;
+    s.noteMisuse(g_FunctionOf<Of>);
+    return s.record(g_FunctionOf<Of>, std::initializer_list<int>{arguments...}, -1);
+}
+
+template <auto Of>
+int changeStage(Stage needed, Stage reached) {
+    ImagingStandIn::State& s = imagingState();
+    const Guard guard(s.mutex);
+    const int result = s.takeResult(g_FunctionOf<Of>, needed).value_or(0);
+    if (result == 0)
+        s.stage = reached;
+    return s.record(g_FunctionOf<Of>, {}, result);
+}
+
+int writeEdges(Function& function, const CSL_IpipeEdgeEnhanceConfig& config) {
+    const int result = write(function, config.words);
+    ImagingStandIn::State& s = imagingState();
+    const Guard guard(s.mutex);
+    if (result != 0)
+        return result;
+    s.edgeWords.assign(std::begin(config.words), std::end(config.words));
+    s.edgeCurve.clear();
+    if (config.curveTable != nullptr)
+        s.edgeCurve.assign(config.curveTable, config.curveTable + CurveLength);
     return 0;
 }
 
@@ -318,8 +209,8 @@ int changeStage(Function function, Stage needed, Stage reached) {
 
 ImagingStandIn& ImagingStandIn::getInstance() {
     // Never destroyed: a controller among the static objects may still call it.
-    static ImagingStandIn* const instance = new ImagingStandIn;
-    return *instance;
+    static ImagingStandIn* const Instance = new ImagingStandIn;
+    return *Instance;
 }
 
 ImagingStandIn::ImagingStandIn() : m_pState(std::make_unique<State>()) {}
@@ -331,21 +222,18 @@ void ImagingStandIn::reset() {
     m_pState->switchOn();
 }
 
-bool ImagingStandIn::setValue(const std::string& function, int value) {
-    const std::size_t row = findRow(function);
-    if (row == ROWS.size() || ROWS[row].slot == Slot::None)
+bool ImagingStandIn::setValue(std::string_view function, int value) {
+    const Function* const found = findFunction(function);
+    if (found == nullptr || findVerb(function) == function.npos)
         return false;
     const Guard guard(m_pState->mutex);
-    m_pState->valueOf(ROWS[row].slot) = value;
+    m_pState->values[found->name] = value;
     return true;
 }
 
-int ImagingStandIn::getValue(const std::string& function) const {
-    const std::size_t row = findRow(function);
-    if (row == ROWS.size())
-        return 0;
+int ImagingStandIn::getValue(std::string_view function) const {
     const Guard guard(m_pState->mutex);
-    return m_pState->valueOf(ROWS[row].slot);
+    return m_pState->valueOf(function);
 }
 
 void ImagingStandIn::setScene(std::optional<double> lux) {
@@ -373,22 +261,20 @@ std::vector<std::int32_t> ImagingStandIn::getEdgeCurve() const {
     return m_pState->edgeCurve;
 }
 
-bool ImagingStandIn::setFailing(const std::string& function, bool failing) {
-    const std::size_t row = findRow(function);
-    if (row == ROWS.size())
-        return false;
+bool ImagingStandIn::setResult(std::string_view function, std::optional<int> result) {
+    Function* const found = findFunction(function);
     const Guard guard(m_pState->mutex);
-    m_pState->failing[row] = failing;
-    return true;
+    if (found != nullptr)
+        found->result = result;
+    return found != nullptr;
 }
 
-bool ImagingStandIn::failNext(const std::string& function) {
-    const std::size_t row = findRow(function);
-    if (row == ROWS.size())
-        return false;
+bool ImagingStandIn::setNextResult(std::string_view function, int result) {
+    Function* const found = findFunction(function);
     const Guard guard(m_pState->mutex);
-    m_pState->failingNext[row] = true;
-    return true;
+    if (found != nullptr)
+        found->nextResult = result;
+    return found != nullptr;
 }
 
 void ImagingStandIn::setRecording(bool recording) {
@@ -415,144 +301,73 @@ bool ImagingStandIn::isStarted() const {
 
 } // namespace sensorhost
 
-using sensorhost::changeStage;
-using sensorhost::Function;
-using sensorhost::Guard;
-using sensorhost::read;
-using sensorhost::Stage;
-using sensorhost::write;
+using namespace sensorhost;
 
-int DRV_init() { return changeStage(Function::DRV_init, Stage::Off, Stage::Driver); }
+int DRV_init() { return changeStage<DRV_init>(Stage::Off, Stage::Driver); }
+int DRV_exit() { return changeStage<DRV_exit>(Stage::Driver, Stage::Off); }
+int ALG_sysInit() { return changeStage<ALG_sysInit>(Stage::Driver, Stage::Algorithms); }
+int brewfi_init() { return changeStage<brewfi_init>(Stage::Algorithms, Stage::Started); }
+int brewfi_exit() { return changeStage<brewfi_exit>(Stage::Started, Stage::Off); }
 
-int DRV_exit() { return changeStage(Function::DRV_exit, Stage::Driver, Stage::Off); }
-
-int ALG_sysInit() { return changeStage(Function::ALG_sysInit, Stage::Driver, Stage::Algorithms); }
-
-int brewfi_init() { return changeStage(Function::brewfi_init, Stage::Algorithms, Stage::Started); }
-
-int brewfi_exit() { return changeStage(Function::brewfi_exit, Stage::Started, Stage::Off); }
-
+int DRV_SetKTNFWorkMode(int mode) { return write<DRV_SetKTNFWorkMode>(mode); }
+int DRV_SetKTNF_TYPE(int type) { return write<DRV_SetKTNF_TYPE>(type); }
+int DRV_SetKTNF_TNF_A0(int value) { return write<DRV_SetKTNF_TNF_A0>(value); }
+int DRV_SetKTNF_TNF_TM(int value) { return write<DRV_SetKTNF_TNF_TM>(value); }
+int DRV_isifSetDcSub(std::int16_t value) { return write<DRV_isifSetDcSub>(value); }
+int DRV_ipipeSetEEEnable(int enable) { return write<DRV_ipipeSetEEEnable>(enable); }
 int DRV_ipipeSetEdgeEnhance(const CSL_IpipeEdgeEnhanceConfig* config) {
-    if (config == nullptr)
-        return -1;
-    const int result = write(Function::DRV_ipipeSetEdgeEnhance, 0);
-    if (result != 0)
-        return result;
-    sensorhost::ImagingStandIn::State& s = sensorhost::imagingState();
-    const Guard guard(s.mutex);
-    s.edgeWords.assign(std::begin(config->words), std::end(config->words));
-    if (config->curveTable != nullptr)
-        s.edgeCurve.assign(config->curveTable, config->curveTable + sensorhost::CURVE_LENGTH);
-    else
-        s.edgeCurve.clear();
-    return 0;
+    return config != nullptr ? writeEdges(g_FunctionOf<DRV_ipipeSetEdgeEnhance>, *config)
+                             : refuse<DRV_ipipeSetEdgeEnhance>();
 }
+int DRV_displaySetMode(int mode) { return write<DRV_displaySetMode>(mode); }
 
-int braewb_ioctrlParam(int group, int command, int* value) {
-    if (group != 0 || command != 0 || value == nullptr)
-        return -1;
-    return write(Function::braewb_ioctrlParam, *value);
-}
-
-int DRV_SetKTNFWorkMode(int mode) { return write(Function::DRV_SetKTNFWorkMode, mode); }
-
-int DRV_SetKTNF_TYPE(int type) { return write(Function::DRV_SetKTNF_TYPE, type); }
-
-int DRV_SetKTNF_TNF_A0(int value) { return write(Function::DRV_SetKTNF_TNF_A0, value); }
-
-int DRV_SetKTNF_TNF_TM(int value) { return write(Function::DRV_SetKTNF_TNF_TM, value); }
-
-int DRV_isifSetDcSub(std::int16_t value) { return write(Function::DRV_isifSetDcSub, value); }
-
-int DRV_ipipeSetEEEnable(int enable) { return write(Function::DRV_ipipeSetEEEnable, enable); }
-
-int DRV_displaySetMode(int mode) { return write(Function::DRV_displaySetMode, mode); }
-
-int BrAewb_UiGetBrtness() { return read(Function::BrAewb_UiGetBrtness); }
-
-int BrAewb_UiSetBrtness(int value) { return write(Function::BrAewb_UiSetBrtness, value); }
-
-int BrAewb_UiGetSatDgr() { return read(Function::BrAewb_UiGetSatDgr); }
-
-int BrAewb_UiSetSatDgr(int value) { return write(Function::BrAewb_UiSetSatDgr, value); }
-
-int BrAewb_UiGetContrast() { return read(Function::BrAewb_UiGetContrast); }
-
-int BrAewb_UiSetContrast(int value) { return write(Function::BrAewb_UiSetContrast, value); }
-
-int BrAewb_UiGetSharpness() { return read(Function::BrAewb_UiGetSharpness); }
-
-int BrAewb_UiSetSharpness(int value) { return write(Function::BrAewb_UiSetSharpness, value); }
-
-int BrAewb_UiGetHlcCtrl() { return read(Function::BrAewb_UiGetHlcCtrl); }
-
-int BrAewb_UiSetHlcCtrl(int value) { return write(Function::BrAewb_UiSetHlcCtrl, value); }
-
-int BrAewb_UiGetAeCtrlMode() { return read(Function::BrAewb_UiGetAeCtrlMode); }
-
-int BrAewb_UiSetAeCtrlMode(int value) { return write(Function::BrAewb_UiSetAeCtrlMode, value); }
-
-int BrAewb_UiGetNightColorMode() { return read(Function::BrAewb_UiGetNightColorMode); }
-
+int BrAewb_UiGetBrtness() { return read<BrAewb_UiGetBrtness>(); }
+int BrAewb_UiSetBrtness(int value) { return write<BrAewb_UiSetBrtness>(value); }
+int BrAewb_UiGetSatDgr() { return read<BrAewb_UiGetSatDgr>(); }
+int BrAewb_UiSetSatDgr(int value) { return write<BrAewb_UiSetSatDgr>(value); }
+int BrAewb_UiGetContrast() { return read<BrAewb_UiGetContrast>(); }
+int BrAewb_UiSetContrast(int value) { return write<BrAewb_UiSetContrast>(value); }
+int BrAewb_UiGetSharpness() { return read<BrAewb_UiGetSharpness>(); }
+int BrAewb_UiSetSharpness(int value) { return write<BrAewb_UiSetSharpness>(value); }
+int BrAewb_UiGetHlcCtrl() { return read<BrAewb_UiGetHlcCtrl>(); }
+int BrAewb_UiSetHlcCtrl(int value) { return write<BrAewb_UiSetHlcCtrl>(value); }
+int BrAewb_UiGetAeCtrlMode() { return read<BrAewb_UiGetAeCtrlMode>(); }
+int BrAewb_UiSetAeCtrlMode(int value) { return write<BrAewb_UiSetAeCtrlMode>(value); }
+int BrAewb_UiGetNightColorMode() { return read<BrAewb_UiGetNightColorMode>(); }
 int BrAewb_UiSetNightColorMode(int constant, int value) {
-    // The first argument has one value; with another the library's behaviour is not known.
-    return constant == 1 ? write(Function::BrAewb_UiSetNightColorMode, value) : -1;
+    return constant == 1 ? write<BrAewb_UiSetNightColorMode>(constant, value)
+                         : refuse<BrAewb_UiSetNightColorMode>(constant, value);
 }
-
-int BrAewb_UiGetMaxGain4Auto() { return read(Function::BrAewb_UiGetMaxGain4Auto); }
-
-int BrAewb_UiSetMaxGain4Auto(int value) { return write(Function::BrAewb_UiSetMaxGain4Auto, value); }
-
-int BrAewb_UiGetFixGain4Manu() { return read(Function::BrAewb_UiGetFixGain4Manu); }
-
-int BrAewb_UiSetFixGain4Manu(int value) { return write(Function::BrAewb_UiSetFixGain4Manu, value); }
-
-int BrAewb_UiGetMaxShutr4Auto() { return read(Function::BrAewb_UiGetMaxShutr4Auto); }
-
-int BrAewb_UiSetMaxShutr4Auto(int value) { return write(Function::BrAewb_UiSetMaxShutr4Auto, value); }
-
-int BrAewb_UiGetFixShutr4Manu() { return read(Function::BrAewb_UiGetFixShutr4Manu); }
-
-int BrAewb_UiSetFixShutr4Manu(int value) { return write(Function::BrAewb_UiSetFixShutr4Manu, value); }
-
-int BrAewb_UiGetGainCtrlMode() { return read(Function::BrAewb_UiGetGainCtrlMode); }
-
-int BrAewb_UiSetGainCtrlMode(int value) { return write(Function::BrAewb_UiSetGainCtrlMode, value); }
-
-int BrAewb_UiGetShutrCtrlMode() { return read(Function::BrAewb_UiGetShutrCtrlMode); }
-
-int BrAewb_UiSetShutrCtrlMode(int value) { return write(Function::BrAewb_UiSetShutrCtrlMode, value); }
-
-int BrAewb_UiGetWbCtrlMode() { return read(Function::BrAewb_UiGetWbCtrlMode); }
-
-int BrAewb_UiSetWbCtrlMode(int value) { return write(Function::BrAewb_UiSetWbCtrlMode, value); }
-
-int BrAewb_UiGetHdrMode() { return read(Function::BrAewb_UiGetHdrMode); }
-
-int BrAewb_UiSetHdrMode(int value) { return write(Function::BrAewb_UiSetHdrMode, value); }
-
-int BrAewb_UiGetNrCtrl() { return read(Function::BrAewb_UiGetNrCtrl); }
-
-int BrAewb_UiSetNrCtrl(int value) { return write(Function::BrAewb_UiSetNrCtrl, value); }
-
-int BrAewb_UiGetDayToNightTransition() { return read(Function::BrAewb_UiGetDayToNightTransition); }
-
-int BrAewb_UiSetDayToNightTransition(int value) { return write(Function::BrAewb_UiSetDayToNightTransition, value); }
-
-int BrAewb_UiGetNightToDayTransition() { return read(Function::BrAewb_UiGetNightToDayTransition); }
-
-int BrAewb_UiSetNightToDayTransition(int value) { return write(Function::BrAewb_UiSetNightToDayTransition, value); }
-
-int BrAewb_UiSetDayNightStat(int value) { return write(Function::BrAewb_UiSetDayNightStat, value); }
-
-int BrAewb_UiSetIncreaseValue(int value) { return write(Function::BrAewb_UiSetIncreaseValue, value); }
-
-int BrAewb_UiSetIrisCtrlMod(int value) { return write(Function::BrAewb_UiSetIrisCtrlMod, value); }
-
-int BrAewb_UiSetMirrorFlipMode(int value) { return write(Function::BrAewb_UiSetMirrorFlipMode, value); }
-
-int BrAewb_UiSetVideoSystem(int value) { return write(Function::BrAewb_UiSetVideoSystem, value); }
-
-int BrAewb_UiGetGain() { return read(Function::BrAewb_UiGetGain); }
-
-int BrAewb_UiGetIso() { return read(Function::BrAewb_UiGetIso); }
+int BrAewb_UiGetMaxGain4Auto() { return read<BrAewb_UiGetMaxGain4Auto>(); }
+int BrAewb_UiSetMaxGain4Auto(int value) { return write<BrAewb_UiSetMaxGain4Auto>(value); }
+int BrAewb_UiGetFixGain4Manu() { return read<BrAewb_UiGetFixGain4Manu>(); }
+int BrAewb_UiSetFixGain4Manu(int value) { return write<BrAewb_UiSetFixGain4Manu>(value); }
+int BrAewb_UiGetMaxShutr4Auto() { return read<BrAewb_UiGetMaxShutr4Auto>(); }
+int BrAewb_UiSetMaxShutr4Auto(int value) { return write<BrAewb_UiSetMaxShutr4Auto>(value); }
+int BrAewb_UiGetFixShutr4Manu() { return read<BrAewb_UiGetFixShutr4Manu>(); }
+int BrAewb_UiSetFixShutr4Manu(int value) { return write<BrAewb_UiSetFixShutr4Manu>(value); }
+int BrAewb_UiGetGainCtrlMode() { return read<BrAewb_UiGetGainCtrlMode>(); }
+int BrAewb_UiSetGainCtrlMode(int value) { return write<BrAewb_UiSetGainCtrlMode>(value); }
+int BrAewb_UiGetShutrCtrlMode() { return read<BrAewb_UiGetShutrCtrlMode>(); }
+int BrAewb_UiSetShutrCtrlMode(int value) { return write<BrAewb_UiSetShutrCtrlMode>(value); }
+int BrAewb_UiGetWbCtrlMode() { return read<BrAewb_UiGetWbCtrlMode>(); }
+int BrAewb_UiSetWbCtrlMode(int value) { return write<BrAewb_UiSetWbCtrlMode>(value); }
+int BrAewb_UiGetHdrMode() { return read<BrAewb_UiGetHdrMode>(); }
+int BrAewb_UiSetHdrMode(int value) { return write<BrAewb_UiSetHdrMode>(value); }
+int BrAewb_UiGetNrCtrl() { return read<BrAewb_UiGetNrCtrl>(); }
+int BrAewb_UiSetNrCtrl(int value) { return write<BrAewb_UiSetNrCtrl>(value); }
+int BrAewb_UiGetDayToNightTransition() { return read<BrAewb_UiGetDayToNightTransition>(); }
+int BrAewb_UiSetDayToNightTransition(int value) { return write<BrAewb_UiSetDayToNightTransition>(value); }
+int BrAewb_UiGetNightToDayTransition() { return read<BrAewb_UiGetNightToDayTransition>(); }
+int BrAewb_UiSetNightToDayTransition(int value) { return write<BrAewb_UiSetNightToDayTransition>(value); }
+int BrAewb_UiSetDayNightStat(int value) { return write<BrAewb_UiSetDayNightStat>(value); }
+int BrAewb_UiSetIncreaseValue(int value) { return write<BrAewb_UiSetIncreaseValue>(value); }
+int BrAewb_UiSetIrisCtrlMod(int value) { return write<BrAewb_UiSetIrisCtrlMod>(value); }
+int BrAewb_UiSetMirrorFlipMode(int value) { return write<BrAewb_UiSetMirrorFlipMode>(value); }
+int BrAewb_UiSetVideoSystem(int value) { return write<BrAewb_UiSetVideoSystem>(value); }
+int BrAewb_UiGetGain() { return read<BrAewb_UiGetGain>(&Exposure::gain); }
+int BrAewb_UiGetIso() { return read<BrAewb_UiGetIso>(&Exposure::iso); }
+int braewb_ioctrlParam(int group, int command, int* value) {
+    return group == 0 && command == 0 && value != nullptr ? write<braewb_ioctrlParam>(group, command, *value)
+                                                          : refuse<braewb_ioctrlParam>(group, command);
+}

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace sensorhost {
@@ -19,8 +20,9 @@ namespace sensorhost {
 class SENSORHOST_API ImagingStandIn {
 public:
     struct Call {
-        const char* function;
-        int value; ///< the last argument of a setter; what a read answered
+        std::string_view function;
+        std::vector<int> arguments; ///< in their order; for a pointer what it points to, without the curve table
+        int result;
     };
 
     static ImagingStandIn& getInstance();
@@ -30,10 +32,11 @@ public:
     /// Back to the state of a pipeline that was just switched on, with nothing failing and nothing recorded.
     void reset();
 
-    /// What a read answers and its setter was given last: one value, under either name. False for an unknown name.
-    bool setValue(const std::string& function, int value);
+    /// What a read answers and the last argument that its setter was given: one value, under either name. False for a
+    /// name that is unknown or no read or setter's.
+    bool setValue(std::string_view function, int value);
     /// 0 for an unknown name or a setter that was never called.
-    int getValue(const std::string& function) const;
+    int getValue(std::string_view function) const;
 
     /// Puts a scene of so much light before the pipeline, in lux: full daylight 10,000, an office 300, street light 5,
     /// moonlight 0.1. Nothing, as at the start, leaves gain and ISO as they were set here.
@@ -46,10 +49,14 @@ public:
     std::vector<std::int32_t> getEdgeWords() const;
     std::vector<std::int32_t> getEdgeCurve() const;
 
-    /// Makes a function fail: it changes nothing and gives -1. False for an unknown name.
-    bool setFailing(const std::string& function, bool failing);
-    /// The same for its next call only.
-    bool failNext(const std::string& function);
+    /// Tells a function what to give, until further notice or, with nothing, no longer. What is no read does its work
+    /// only when it gives 0. False for an unknown name.
+    bool setResult(std::string_view function, std::optional<int> result);
+    /// The same for its next call, before what it was told else.
+    bool setNextResult(std::string_view function, int result);
+    bool setFailing(std::string_view function, bool failing) {
+        return setResult(function, failing ? std::optional(-1) : std::nullopt);
+    }
 
     /// Whether calls are recorded, off at the start. Recording starts with an empty list.
     void setRecording(bool recording);
@@ -57,7 +64,7 @@ public:
     std::vector<Call> calls() const;
 
     /// What was called too early: before DRV_init, ALG_sysInit and brewfi_init had run, in this order, or after
-    /// brewfi_exit. The first 100.
+    /// brewfi_exit; and what was called with arguments that the libraries do not know. The first 100.
     std::vector<std::string> misuses() const;
 
     /// Whether the three have run and brewfi_exit has not.

@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr mode_t NEW_FILE_MODE = 0644;
-
 /// All bytes at the offset. False with errno set if not all of them could be written.
 bool writeAt(int descriptor, const char* bytes, std::size_t length, off_t offset) {
     while (length > 0) {
@@ -79,6 +77,7 @@ struct BRFile::State {
     std::string path;
     bool replaces = false;
     bool created = false; ///< by open, and nothing was written yet
+    bool isNew = false;   ///< its entry in the folder is younger than this open
     bool written = false;
     off_t position = 0;
 
@@ -87,16 +86,16 @@ struct BRFile::State {
 };
 
 bool BRFile::State::openForReplacing() {
-    constexpr int FLAGS = O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    descriptor.reset(::open(path.c_str(), FLAGS));
+    descriptor.reset(sensorhost::openRegularFile(path, O_RDWR));
     if (descriptor.isOpen() || errno != ENOENT)
         return descriptor.isOpen();
     sensorhost::makeParentFolder(path);
-    descriptor.reset(::open(path.c_str(), FLAGS | O_CREAT | O_EXCL, NEW_FILE_MODE));
+    descriptor.reset(sensorhost::openRegularFile(path, O_RDWR | O_CREAT | O_EXCL));
     created = descriptor.isOpen();
+    isNew = true;
     // Somebody else made it meanwhile, or it is a link to a file that is missing.
     if (!created && errno == EEXIST)
-        descriptor.reset(::open(path.c_str(), FLAGS | O_CREAT, NEW_FILE_MODE));
+        descriptor.reset(sensorhost::openRegularFile(path, O_RDWR | O_CREAT));
     return descriptor.isOpen();
 }
 
@@ -151,14 +150,10 @@ int BRFile::open(const char* path, int mode) {
     State& s = *m_pState;
     s.path = sensorhost::hostPath(path);
     s.replaces = mode == Replace;
-    // O_NONBLOCK: opening a pipe must not hang. It is of no consequence for a file.
     if (s.replaces)
         s.openForReplacing();
     else
-        s.descriptor.reset(::open(s.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    struct stat status {};
-    if (s.descriptor.isOpen() && (::fstat(s.descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)))
-        s.descriptor.reset();
+        s.descriptor.reset(sensorhost::openRegularFile(s.path, O_RDONLY));
     return s.descriptor.isOpen() ? 1 : 0;
 }
 
@@ -186,7 +181,7 @@ int BRFile::write(const void* bytes, int length) {
         return -1;
     if (!s.replaceBy(static_cast<const char*>(bytes), static_cast<std::size_t>(length))) {
         if (s.created && getLength() == 0)
-            ::unlink(s.path.c_str());
+            s.written = ::unlink(s.path.c_str()) != 0;
         return -1;
     }
     s.created = false;
@@ -197,8 +192,11 @@ void BRFile::close() {
     State& s = *m_pState;
     if (s.written)
         ::fdatasync(s.descriptor.get());
+    if (s.written && s.isNew)
+        sensorhost::syncEntry(s.path);
     s.descriptor.reset();
     s.created = false;
+    s.isNew = false;
     s.written = false;
     s.position = 0;
 }

@@ -2,25 +2,66 @@
 
 #include "host/ScopedLock.h"
 #include "host/linux/ActiveClock.h"
+#include "host/linux/HostRecords.h"
 #include "host/linux/StopSignal.h"
 
 #include <atomic>
+#include <mutex>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <pthread.h>
 
+namespace {
+
+/// The name as it fits into the kernel's 15 characters.
+std::string kernelName(std::string_view name) {
+    constexpr std::size_t Longest = 15;
+    constexpr std::size_t Half = Longest / 2;
+    constexpr std::string_view Common = "Thread"; // tells nothing in a list of threads
+    if (name.size() > Longest && name.ends_with(Common))
+        name.remove_suffix(Common.size());
+    if (name.size() <= Longest)
+        return std::string(name);
+    return std::string(name.substr(0, Half)) + '~' + std::string(name.substr(name.size() - Half));
+}
+
+struct Running {
+    std::mutex mutex;
+    std::vector<std::pair<const GThread*, std::string>> threads;
+};
+
+// Never destroyed: threads of the host may outlive the static objects.
+Running& running() {
+    static Running* const Instance = new Running;
+    return *Instance;
+}
+
+} // namespace
+
+namespace sensorhost {
+
+std::vector<std::string> runningThreads() {
+    Running& r = running();
+    const std::lock_guard guard(r.mutex);
+    std::vector<std::string> names;
+    for (const auto& [thread, name] : r.threads)
+        names.push_back(name);
+    return names;
+}
+
+} // namespace sensorhost
+
 struct GThread::State {
     State(const function<int>& b, const char* n, const function<int>& f, const function<int>& a)
-        : body(b), before(f), after(a), name(n != nullptr ? n : "") {
-        constexpr std::size_t LONGEST_NAME = 15;
-        if (name.size() > LONGEST_NAME)
-            name.resize(LONGEST_NAME);
-    }
+        : body(b), before(f), after(a), name(n != nullptr ? n : "") {}
 
     void run() {
-        ::pthread_setname_np(::pthread_self(), name.c_str());
+        ::pthread_setname_np(::pthread_self(), kernelName(name).c_str());
         sensorhost::StopSignal::setCurrent(&stopSignal);
         if (clock)
             clock->begin(*clockThread);
@@ -35,7 +76,7 @@ struct GThread::State {
     const function<int> body;
     const function<int> before;
     const function<int> after;
-    std::string name;
+    const std::string name;
 
     BRMutex controlMutex; ///< one start or stop at a time
     sensorhost::StopSignal stopSignal;
@@ -66,6 +107,9 @@ int GThread::start() {
         return 0;
     }
     s.running = 1;
+    Running& r = running();
+    const std::lock_guard listGuard(r.mutex);
+    r.threads.emplace_back(this, s.name);
     return 1;
 }
 
@@ -86,9 +130,14 @@ int GThread::stop() {
     s.clock.reset();
     s.clockThread.reset();
     s.running = 0;
+    Running& r = running();
+    const std::lock_guard listGuard(r.mutex);
+    std::erase_if(r.threads, [this](const auto& entry) { return entry.first == this; });
     return 1;
 }
 
 int GThread::IsRunning() const { return m_pState->running; }
+
+const std::string& GThread::getName() const { return m_pState->name; }
 
 int GThread::emptyFun() { return 0; }

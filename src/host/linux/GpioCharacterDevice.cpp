@@ -10,7 +10,7 @@ namespace sensorhost {
 
 namespace {
 
-constexpr const char* CONSUMER = "sensorcontrol";
+constexpr const char* Consumer = "sensorcontrol";
 
 struct ChipCloser {
     void operator()(gpiod_chip* chip) const { ::gpiod_chip_close(chip); }
@@ -48,7 +48,7 @@ struct GpioCharacterDevice::State {
             return nullptr;
         pins.erase({group, pin});
         const int failed =
-            output ? ::gpiod_line_request_output(line, CONSUMER, value) : ::gpiod_line_request_input(line, CONSUMER);
+            output ? ::gpiod_line_request_output(line, Consumer, value) : ::gpiod_line_request_input(line, Consumer);
         if (failed != 0)
             return nullptr;
         return &pins.insert_or_assign({group, pin}, Pin{std::unique_ptr<gpiod_line, LineReleaser>(line), output})

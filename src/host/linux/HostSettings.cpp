@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <mutex>
 #include <string_view>
 #include <utility>
@@ -19,14 +20,15 @@ struct Settings {
     std::mutex mutex;
     std::string root;
     std::shared_ptr<ClockSource> clock;
+    std::map<std::string, AccessDenial> denials;
     RebootHandler rebootHandler = nullptr;
     void* rebootContext = nullptr;
 };
 
 // Never destroyed: threads of the host may outlive the static objects.
 Settings& settings() {
-    static Settings* const instance = new Settings;
-    return *instance;
+    static Settings* const Instance = new Settings;
+    return *Instance;
 }
 
 } // namespace
@@ -91,6 +93,23 @@ void installClock(std::shared_ptr<ClockSource> clock) {
     const std::lock_guard guard(s.mutex);
     s.clock = std::move(clock);
     g_pActiveClock.store(s.clock.get(), std::memory_order_release);
+}
+
+void denyAccess(const std::string& devicePath, AccessDenial denial) {
+    const std::string path = hostPath(devicePath);
+    Settings& s = settings();
+    const std::lock_guard guard(s.mutex);
+    if (denial == AccessDenial::None)
+        s.denials.erase(path);
+    else
+        s.denials[path] = denial;
+}
+
+AccessDenial deniedAccess(const std::string& hostFile) {
+    Settings& s = settings();
+    const std::lock_guard guard(s.mutex);
+    const auto found = s.denials.find(hostFile);
+    return found != s.denials.end() ? found->second : AccessDenial::None;
 }
 
 void setRebootHandler(RebootHandler handler, void* context) {

@@ -24,6 +24,17 @@ SENSORHOST_API std::string hostPath(const std::string& devicePath);
 /// part in the clock until it installs another one, so the same thread has to do both.
 SENSORHOST_API void installClock(std::shared_ptr<ClockSource> clock);
 
+/// What opens of a file are refused as if its rights forbade them, to the superuser too: those that only read, those
+/// that write, or both. A program sees by it what it does about files that are there and out of its reach.
+enum class AccessDenial { None, Reading, Writing, Both };
+
+/// Forbids a file of the device, under the root in force, to BRFile, BRLogger and the XML classes: open and init give
+/// 0, a log in use loses its lines; isExist sees the file all the same. None allows it again. Shell lines and what is
+/// open are not held up.
+SENSORHOST_API void denyAccess(const std::string& devicePath, AccessDenial denial);
+/// What is forbidden of a file of this machine.
+SENSORHOST_API AccessDenial deniedAccess(const std::string& hostFile);
+
 using RebootHandler = int (*)(const char* reason, void* context);
 
 /// What SystemHelper::rebootDevice calls. Null brings back the start value, which reports the reason on stderr,

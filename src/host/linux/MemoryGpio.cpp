@@ -7,7 +7,7 @@
 namespace sensorhost {
 
 namespace {
-constexpr std::size_t HISTORY_LIMIT = 10'000;
+constexpr std::size_t HistoryLimit = 10'000;
 }
 
 MemoryGpio::MemoryGpio() = default;
@@ -25,11 +25,11 @@ int MemoryGpio::setValue(int group, int pin, int value) {
         return 0;
     m_Levels[{group, pin}] = value != 0 ? 1 : 0;
     const Write write{seconds, group, pin, value != 0 ? 1 : 0};
-    if (m_History.size() < HISTORY_LIMIT) {
+    if (m_History.size() < HistoryLimit) {
         m_History.push_back(write);
     } else {
         m_History[m_nOldest] = write;
-        m_nOldest = (m_nOldest + 1) % HISTORY_LIMIT;
+        m_nOldest = (m_nOldest + 1) % HistoryLimit;
     }
     return 1;
 }

@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr std::string_view BLANKS = " \t\r\n";
+constexpr std::string_view Blanks = " \t\r\n";
 
 std::string_view trim(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(BLANKS);
+    const std::size_t first = text.find_first_not_of(Blanks);
     return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
+                                           : text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
 } // namespace

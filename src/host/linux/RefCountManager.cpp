@@ -21,9 +21,9 @@ ref_count::ref_count(void* pointer) : m_pPointer(pointer), m_pMutex(std::make_un
 
 ref_count::~ref_count() = default;
 
-void ref_count::lock() { m_pMutex->mutex.Lock(); }
+void ref_count::lock() SENSOR_UNCHECKED { m_pMutex->mutex.Lock(); }
 
-void ref_count::unLock() { m_pMutex->mutex.Unlock(); }
+void ref_count::unLock() SENSOR_UNCHECKED { m_pMutex->mutex.Unlock(); }
 
 ref_count* RefCountManager::retrieveRefCount(void* pointer) {
     auto count = std::make_unique<ref_count>(pointer);

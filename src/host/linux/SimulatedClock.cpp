@@ -12,8 +12,8 @@ namespace sensorhost {
 
 namespace {
 
-constexpr std::int64_t MICROSECONDS = 1'000'000;
-constexpr std::int64_t DAY = 24 * 60 * 60;
+constexpr std::int64_t Microseconds = 1'000'000;
+constexpr std::int64_t Day = 24 * 60 * 60;
 
 enum class Phase { Running, Ready, Sleeping, Locking, Joining, Absent };
 
@@ -44,7 +44,7 @@ struct SimulatedClock::State {
 
     std::mutex mutex;
     // A device has been up for a while when its camera starts, and some code takes 0 for "never".
-    std::int64_t now = 100 * MICROSECONDS;
+    std::int64_t now = 100 * Microseconds;
     std::int64_t localOffset = 0; ///< from now to microseconds since the start of the first day
     std::uint64_t lastOrder = 0;
     std::vector<SimulatedThread*> threads;
@@ -148,23 +148,23 @@ SimulatedClock::SimulatedClock(int hour, int minute) : m_pState(std::make_unique
 
 SimulatedClock::~SimulatedClock() = default;
 
-void SimulatedClock::advance(double seconds) { wait(std::llround(seconds * static_cast<double>(MICROSECONDS))); }
+void SimulatedClock::advance(double seconds) { wait(std::llround(seconds * static_cast<double>(Microseconds))); }
 
 void SimulatedClock::setTimeOfDay(int hour, int minute, int second) {
     const State::Guard guard(m_pState->mutex);
-    const std::int64_t day = (m_pState->now + m_pState->localOffset) / MICROSECONDS / DAY;
-    const std::int64_t wanted = day * DAY + (std::int64_t{hour} * 60 + minute) * 60 + second;
-    m_pState->localOffset = wanted * MICROSECONDS - m_pState->now;
+    const std::int64_t day = (m_pState->now + m_pState->localOffset) / Microseconds / Day;
+    const std::int64_t wanted = day * Day + (std::int64_t{hour} * 60 + minute) * 60 + second;
+    m_pState->localOffset = wanted * Microseconds - m_pState->now;
 }
 
 void SimulatedClock::shiftLocalTime(long long seconds) {
     const State::Guard guard(m_pState->mutex);
-    m_pState->localOffset = std::max<std::int64_t>(m_pState->localOffset + seconds * MICROSECONDS, -m_pState->now);
+    m_pState->localOffset = std::max<std::int64_t>(m_pState->localOffset + seconds * Microseconds, -m_pState->now);
 }
 
 double SimulatedClock::now() const {
     const State::Guard guard(m_pState->mutex);
-    return static_cast<double>(m_pState->now) / static_cast<double>(MICROSECONDS);
+    return static_cast<double>(m_pState->now) / static_cast<double>(Microseconds);
 }
 
 LocalTime SimulatedClock::getLocalTime() const {
@@ -172,10 +172,10 @@ LocalTime SimulatedClock::getLocalTime() const {
     std::int64_t passed = 0;
     {
         const State::Guard guard(m_pState->mutex);
-        passed = (m_pState->now + m_pState->localOffset) / MICROSECONDS;
+        passed = (m_pState->now + m_pState->localOffset) / Microseconds;
     }
-    const year_month_day date{sys_days{year{2024} / January / 1} + days{passed / DAY}};
-    const auto second = static_cast<int>(passed % DAY);
+    const year_month_day date{sys_days{year{2024} / January / 1} + days{passed / Day}};
+    const auto second = static_cast<int>(passed % Day);
     return {static_cast<int>(date.year()),
             static_cast<int>(static_cast<unsigned>(date.month())),
             static_cast<int>(static_cast<unsigned>(date.day())),

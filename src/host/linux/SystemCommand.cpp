@@ -1,5 +1,6 @@
 #include "host/SystemHelper.h"
 #include "host/linux/FileSystem.h"
+#include "host/linux/HostRecords.h"
 #include "host/linux/HostSettings.h"
 
 #include <algorithm>
@@ -7,8 +8,12 @@
 #include <chrono>
 #include <csignal>
 #include <ctime>
+#include <deque>
+#include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -19,8 +24,8 @@ namespace {
 
 using sensorhost::hostPath;
 
-constexpr std::string_view BLANKS = " \t\n";
-constexpr std::string_view OPERATORS = ";|&<>()";
+constexpr std::string_view Blanks = " \t\n";
+constexpr std::string_view Operators = ";|&<>()";
 
 std::string quote(const std::string& text) {
     std::string quoted = "'";
@@ -45,7 +50,7 @@ std::size_t findWordEnd(std::string_view line, std::size_t start) {
             open = c == open ? '\0' : open;
         else if (c == '\'' || c == '"')
             open = c;
-        else if (BLANKS.find(c) != std::string_view::npos || OPERATORS.find(c) != std::string_view::npos)
+        else if (Blanks.find(c) != std::string_view::npos || Operators.find(c) != std::string_view::npos)
             break;
     }
     return std::min(i, line.size());
@@ -57,7 +62,7 @@ bool leadsUp(std::string_view word) { return word.find("..") != std::string_view
 
 struct Rewriting {
     std::string line;
-    std::string lastFile; ///< where the last absolute path written without quotes lies
+    std::vector<std::string> files; ///< where the absolute paths that are written without quotes lie
     bool refused = false;
 };
 
@@ -80,7 +85,7 @@ void rewriteWord(std::string_view word, const std::string& root, Rewriting& resu
         result.line += tail.empty() ? "/" : tail;
         if (path.back() == '/' && !tail.empty())
             result.line += '/';
-        result.lastFile = file;
+        result.files.push_back(file);
     } else {
         result.refused = result.refused || leadsUp(path);
         result.line += quote(root);
@@ -169,19 +174,79 @@ int runShell(const std::string& line, int timeLimit) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-} // namespace
+/// What a cp or mv line made has to outlive a power cut as what BRFile wrote does.
+void syncCopies(const std::vector<std::string>& files, bool isMove) {
+    namespace fs = std::filesystem;
+    if (files.size() < 2)
+        return;
+    std::error_code error;
+    const fs::path target = files.back();
+    const bool isFolder = fs::is_directory(target, error);
+    for (std::size_t i = 0; i + 1 < files.size(); ++i) {
+        const fs::path source = files[i];
+        sensorhost::syncWhole(isFolder ? target / source.filename() : target);
+        if (isMove && source.parent_path() != target.parent_path())
+            sensorhost::syncFolder(source.parent_path());
+    }
+}
 
-int sy_system(const char* command, int timeLimit) {
+int runLine(const char* command, int timeLimit) {
     if (command == nullptr || timeLimit <= 0)
         return -1;
     const std::string root = sensorhost::getRootFolder();
-    if (root.empty())
-        return runShell(command, timeLimit);
     const Rewriting rewriting = rewrite(command, root);
-    if (rewriting.refused)
+    if (rewriting.refused && !root.empty())
         return -1;
-    const std::string_view line = rewriting.line;
-    if (!rewriting.lastFile.empty() && (line.starts_with("cp ") || line.starts_with("mv ")))
-        sensorhost::makeParentFolder(rewriting.lastFile);
-    return runShell(rewriting.line, timeLimit);
+    const bool isMove = std::string_view(command).starts_with("mv ");
+    const bool places = isMove || std::string_view(command).starts_with("cp ");
+    if (places && !rewriting.files.empty())
+        sensorhost::makeParentFolder(rewriting.files.back());
+    const int status = runShell(root.empty() ? command : rewriting.line, timeLimit);
+    if (places && status == 0)
+        syncCopies(rewriting.files, isMove);
+    return status;
+}
+
+struct Records {
+    std::mutex mutex;
+    bool isOn = false;
+    std::deque<sensorhost::CommandRecord> commands;
+};
+
+// Never destroyed: threads of the host may outlive the static objects.
+Records& records() {
+    static Records* const Instance = new Records;
+    return *Instance;
+}
+
+} // namespace
+
+namespace sensorhost {
+
+void recordCommands(bool on) {
+    Records& r = records();
+    const std::lock_guard guard(r.mutex);
+    if (on && !r.isOn)
+        r.commands.clear();
+    r.isOn = on;
+}
+
+std::vector<CommandRecord> getCommands() {
+    Records& r = records();
+    const std::lock_guard guard(r.mutex);
+    return {r.commands.begin(), r.commands.end()};
+}
+
+} // namespace sensorhost
+
+int sy_system(const char* command, int timeLimit) {
+    const int result = runLine(command, timeLimit);
+    Records& r = records();
+    const std::lock_guard guard(r.mutex);
+    if (!r.isOn)
+        return result;
+    if (r.commands.size() == sensorhost::MostCommandRecords)
+        r.commands.pop_front();
+    r.commands.push_back({command != nullptr ? command : "", result});
+    return result;
 }

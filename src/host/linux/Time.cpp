@@ -23,12 +23,12 @@ LocalTime localTime() {
 namespace {
 
 // A deadline further away would leave the range of a 32-bit time_t.
-constexpr long LONGEST_WAIT = 100'000'000;
+constexpr long LongestWait = 100'000'000;
 
 long long inMicroseconds(const BreltoTime& span) {
-    const long seconds = std::clamp(span.getSeconds(), -LONGEST_WAIT, LONGEST_WAIT);
+    const long seconds = std::clamp(span.getSeconds(), -LongestWait, LongestWait);
     const auto rest = static_cast<long long>(span.getMicroseconds());
-    return std::min(seconds * 1'000'000LL + std::min(rest, LONGEST_WAIT * 1'000'000LL), LONGEST_WAIT * 1'000'000LL);
+    return std::min(seconds * 1'000'000LL + std::min(rest, LongestWait * 1'000'000LL), LongestWait * 1'000'000LL);
 }
 
 void sleepFor(long long microseconds) {

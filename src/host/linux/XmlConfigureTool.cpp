@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr const char* ITEM_NAME = "item";
-constexpr const char* DEFAULT_NAME = "config";
+constexpr const char* ItemName = "item";
+constexpr const char* DefaultName = "config";
 
 bool isName(std::string_view text) {
     const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
@@ -22,7 +22,7 @@ bool isName(std::string_view text) {
     return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isPart);
 }
 
-bool isItem(const TiXmlElement& element) { return element.ValueStr() == ITEM_NAME; }
+bool isItem(const TiXmlElement& element) { return element.ValueStr() == ItemName; }
 
 } // namespace
 
@@ -110,7 +110,7 @@ std::vector<TiXmlElement*> childrenOf(const TiXmlElement& element, bool items) {
 
 } // namespace
 
-XmlConfigureItem::XmlConfigureItem(int) : m_pState(standAlone<State>(std::make_shared<TiXmlElement>(ITEM_NAME))) {}
+XmlConfigureItem::XmlConfigureItem(int) : m_pState(standAlone<State>(std::make_shared<TiXmlElement>(ItemName))) {}
 
 XmlConfigureItem::~XmlConfigureItem() = default;
 
@@ -143,7 +143,7 @@ int XmlConfigureItem::setProperty(const std::string& name, int value) {
 }
 
 XmlConfigureNode::XmlConfigureNode(const std::string& name, int)
-    : m_pState(standAlone<State>(std::make_shared<TiXmlElement>(isName(name) ? name : std::string(DEFAULT_NAME)))) {}
+    : m_pState(standAlone<State>(std::make_shared<TiXmlElement>(isName(name) ? name : std::string(DefaultName)))) {}
 
 XmlConfigureNode::~XmlConfigureNode() = default;
 
@@ -256,7 +256,7 @@ int XmlConfigureTool::open(const std::string& path, int, int mode) {
     if (mode == ReadOnly || mode == Change)
         s.document = sensorhost::loadXml(path);
     else if (mode == Create && canCreate(path))
-        s.document = makeDocument(s.rootName.empty() ? DEFAULT_NAME : s.rootName);
+        s.document = makeDocument(s.rootName.empty() ? DefaultName : s.rootName);
     return s.document ? 1 : 0;
 }
 
@@ -287,7 +287,7 @@ std::string XmlConfigureTool::getRootNodeName() const {
 
 int XmlConfigureTool::getConfigNode(const std::string& name, XmlConfigureNode& node) const {
     TiXmlElement* const root = m_pState->root();
-    TiXmlElement* const element = root != nullptr && name != ITEM_NAME ? root->FirstChildElement(name) : nullptr;
+    TiXmlElement* const element = root != nullptr && name != ItemName ? root->FirstChildElement(name) : nullptr;
     if (element == nullptr)
         return 0;
     node.m_pState = within<XmlConfigureNode::State>(m_pState->document, element);
@@ -317,6 +317,6 @@ int XmlConfigureTool::addConfigNode(const XmlConfigureNode& node) {
 
 int XmlConfigureTool::removeConfigNode(const std::string& name) {
     TiXmlElement* const root = m_pState->changeableRoot();
-    TiXmlElement* const element = root != nullptr && name != ITEM_NAME ? root->FirstChildElement(name) : nullptr;
+    TiXmlElement* const element = root != nullptr && name != ItemName ? root->FirstChildElement(name) : nullptr;
     return element != nullptr && root->RemoveChild(element) ? 1 : 0;
 }

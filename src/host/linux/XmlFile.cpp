@@ -5,6 +5,7 @@
 #include "host/xml/XmlShape.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <tinyxml.h>
 
@@ -42,6 +43,38 @@ std::shared_ptr<TiXmlDocument> parseXml(const std::string& text) {
     return document->Error() || document->RootElement() == nullptr ? nullptr : document;
 }
 
+bool haveSameAttributes(const TiXmlElement& one, const TiXmlElement& other) {
+    const TiXmlAttribute* a = one.FirstAttribute();
+    const TiXmlAttribute* b = other.FirstAttribute();
+    for (; a != nullptr && b != nullptr; a = a->Next(), b = b->Next())
+        if (a->NameTStr() != b->NameTStr() || a->ValueStr() != b->ValueStr())
+            return false;
+    return a == b;
+}
+
+bool isSame(const TiXmlNode& one, const TiXmlNode& other);
+
+bool haveSameChildren(const TiXmlNode& one, const TiXmlNode& other) {
+    const TiXmlNode* a = one.FirstChild();
+    const TiXmlNode* b = other.FirstChild();
+    for (; a != nullptr && b != nullptr; a = a->NextSibling(), b = b->NextSibling())
+        if (!isSame(*a, *b))
+            return false;
+    return a == b;
+}
+
+bool isSame(const TiXmlNode& one, const TiXmlNode& other) {
+    if (one.Type() != other.Type() || one.ValueStr() != other.ValueStr())
+        return false;
+    if (const TiXmlDeclaration* const declared = one.ToDeclaration())
+        return std::strcmp(declared->Version(), other.ToDeclaration()->Version()) == 0 &&
+               std::strcmp(declared->Encoding(), other.ToDeclaration()->Encoding()) == 0 &&
+               std::strcmp(declared->Standalone(), other.ToDeclaration()->Standalone()) == 0;
+    if (const TiXmlElement* const element = one.ToElement())
+        return haveSameAttributes(*element, *other.ToElement()) && haveSameChildren(one, other);
+    return true;
+}
+
 } // namespace
 
 std::shared_ptr<TiXmlDocument> loadXml(const std::string& path) {
@@ -57,10 +90,12 @@ bool saveXml(const std::string& path, const TiXmlDocument& document) {
     document.Accept(&printer);
     const std::string& text = printer.Str();
     const auto length = static_cast<int>(text.size());
-    // What could not be read again must not replace what can.
+    // The printer writes what a declaration holds as it is, blanks that came as references as blanks, and in some
+    // releases "&#x" wherever it comes from.
+    const std::shared_ptr<TiXmlDocument> readBack = parseXml(text);
     BRFile file;
-    return parseXml(text) != nullptr && file.open(path.c_str(), BRFile::Replace) != 0 &&
-           file.write(text.data(), length) == length;
+    return readBack != nullptr && haveSameChildren(document, *readBack) &&
+           file.open(path.c_str(), BRFile::Replace) != 0 && file.write(text.data(), length) == length;
 }
 
 } // namespace sensorhost

@@ -11,7 +11,7 @@ namespace sensorhost {
 /// limits of XmlShape, malformed text, no root. A text ends at its first zero byte.
 std::shared_ptr<TiXmlDocument> loadXml(const std::string& path);
 
-/// Writes the document. False if the file cannot be written: then the old one stands.
+/// Writes the document. False, and the old file stands, if it cannot be written or would not be read as this document.
 bool saveXml(const std::string& path, const TiXmlDocument& document);
 
 } // namespace sensorhost

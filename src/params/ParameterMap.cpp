@@ -1,8 +1,10 @@
-#include "host/ParameterMap.h"
+#include "params/ParameterMap.h"
+
+#include "host/text/ParameterText.h"
 
 #include <algorithm>
 
-namespace sensorhost {
+namespace sensorcontrol {
 
 namespace {
 
@@ -15,10 +17,31 @@ ParameterMap::const_iterator ParameterMap::find(int id) const {
     return found != m_Values.end() && found->id == id ? found : m_Values.end();
 }
 
+ParameterMap::const_iterator ParameterMap::above(int id) const {
+    return std::upper_bound(m_Values.begin(), m_Values.end(), id,
+                            [](int wanted, const ParameterValue& entry) { return wanted < entry.id; });
+}
+
 void ParameterMap::set(int id, int value) {
     const std::size_t ordered = m_Values.size();
     m_Values.push_back({id, value});
     restoreOrder(ordered);
+}
+
+bool ParameterMap::add(const std::string& text) {
+    const std::size_t ordered = m_Values.size();
+    if (sensorhost::text::readGroups(text, [this](int id, int value) { m_Values.push_back({id, value}); })) {
+        restoreOrder(ordered);
+        return true;
+    }
+    m_Values.resize(ordered);
+    return false;
+}
+
+void ParameterMap::print(std::string& text) const {
+    text.clear();
+    for (const ParameterValue& entry : m_Values)
+        sensorhost::text::appendGroup(entry.id, entry.value, text);
 }
 
 // Ascending ids, the usual case, cost one comparison each, and a few strays are inserted in place: neither takes
@@ -40,7 +63,7 @@ void ParameterMap::restoreOrder(std::size_t ordered) {
         }
         movesLeft -= end - place;
         if (movesLeft < 0) {
-            end = std::move(added, m_Values.end(), end);
+            end = end != added ? std::move(added, m_Values.end(), end) : m_Values.end();
             std::stable_sort(begin, end, [](const ParameterValue& a, const ParameterValue& b) { return a.id < b.id; });
             auto last = begin;
             for (auto next = begin + 1; next != end; ++next) {
@@ -58,4 +81,4 @@ void ParameterMap::restoreOrder(std::size_t ordered) {
     m_Values.erase(end, m_Values.end());
 }
 
-} // namespace sensorhost
+} // namespace sensorcontrol

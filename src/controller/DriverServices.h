@@ -1,0 +1,25 @@
+#pragma once
+
+#include "controller/ISensorController.h"
+
+class BreltoTime;
+
+namespace sensorcontrol {
+
+/// What a driver asks of the framework, and tells it, beside the controller's own operations. Any thread.
+class DriverServices {
+public:
+    /// Whether work under way is to be left: the controller's thread is being stopped, or its start was cancelled.
+    /// Asked between tries, frames and parameters.
+    static bool isEnding(const ISensorController& controller);
+
+    /// Blocks for the span; a start that is cancelled cuts it short.
+    static void wait(ISensorController& controller, const BreltoTime& span);
+    /// The same for the time in which the module restarts, which the start's progress tells.
+    static void waitForRestart(ISensorController& controller, int seconds);
+
+    /// Whether the port took and gave bytes as a port does. A silent module's port works.
+    static void tellPort(ISensorController& controller, bool works);
+};
+
+} // namespace sensorcontrol
