@@ -102,9 +102,10 @@ ISensorController& Workbench::onChipController() {
     return *m_pOnChipController;
 }
 
-void Workbench::bringUpOnce() {
+void Workbench::bringUpAgain() {
     Quiet quiet;
-    start();
+    m_pController = SafePointer<ISensorController>(); // the port has one owner
+    m_pController = start();
 }
 
 Workbench& workbench() {

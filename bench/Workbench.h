@@ -23,8 +23,8 @@ public:
     /// A controller of the on-chip pipeline before a dim scene, tuned by status and gain; up from the first call on.
     ISensorController& onChipController();
 
-    /// Brings a further controller up on the same files and destroys it.
-    void bringUpOnce();
+    /// Destroys the controller and brings another up on the same files and port. What controller() gave is gone.
+    void bringUpAgain();
 
 private:
     SafePointer<ISensorController> start();
