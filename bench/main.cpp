@@ -9,7 +9,6 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <utility>
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -209,11 +208,12 @@ bool checkAllocations() {
     // The whole pass of a pipeline that is tuned, and of a block whose gain the tuning asks for in vain.
     ISensorController& onChip = workbench().onChipController();
     controller.ISPParamThreadInit();
-    for (auto [name, one] : {std::pair("allocations per pass of the on-chip pipeline", &onChip),
-                             std::pair("allocations per pass of a camera block", &controller)}) {
-        one->DNChangeThreadBody();
-        isKept &= report(name, allocationsPer(100, [&] { one->DNChangeThreadBody(); }), 0);
-    }
+    const auto perPass = [&isKept](const char* name, ISensorController& one) {
+        one.DNChangeThreadBody();
+        isKept &= report(name, allocationsPer(100, [&one] { one.DNChangeThreadBody(); }), 0);
+    };
+    perPass("allocations per pass of the on-chip pipeline", onChip);
+    perPass("allocations per pass of a camera block", controller);
     return isKept;
 }
 

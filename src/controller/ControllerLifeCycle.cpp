@@ -92,12 +92,22 @@ void ISensorController::setOperator(const SafePointer<IUARTController>& uart, co
 void ISensorController::setObserver(ControllerObserver* observer) { m_pRooms->journal.setObserver(observer); }
 
 int ISensorController::init(int videoSystem, const ModuleConfigure& configure, const VideoResolution& resolution) {
-    m_pRooms->starter = std::this_thread::get_id();
-    m_pRooms->isStarting = true;
-    const int isUp = m_pRooms->bringUp(videoSystem, configure, resolution);
-    m_pRooms->isStarting = false;
-    m_pRooms->starter = std::thread::id();
-    return isUp;
+    // The host's pointers throw where an object is missing: that ends a start as well.
+    struct Start {
+        explicit Start(Rooms& of) : rooms(of) {
+            rooms.starter = std::this_thread::get_id();
+            rooms.isStarting = true;
+        }
+        ~Start() {
+            rooms.isStarting = false;
+            rooms.starter = std::thread::id();
+        }
+        Start(const Start&) = delete;
+        Start& operator=(const Start&) = delete;
+        Rooms& rooms;
+    };
+    const Start start(*m_pRooms);
+    return m_pRooms->bringUp(videoSystem, configure, resolution);
 }
 
 int ISensorController::cancelStart() {

@@ -56,6 +56,10 @@ struct SENSORCONTROL_LOCAL ISensorController::Rooms {
     /// The scheme that the clock selects, -1 for none.
     int selectByClock() const;
     /// What a switch to another scheme changes besides the values.
+    /// Whether the text holds parameters at all: one that does not would be applied without a fault, and change
+    /// nothing.
+    static bool isParameterSet(const std::string& text);
+
     SchemeState schemeState(int target) const;
     /// After a switch or a reset that failed, so that the next flush writes neither index nor span nor flag of it.
     void restore(const SchemeState& state);

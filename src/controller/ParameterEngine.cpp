@@ -194,8 +194,10 @@ int ISensorController::flush() {
 }
 
 int ISensorController::Rooms::loadCurrentCache(const std::string& text) {
+    if (!isParameterSet(text))
+        return 0;
     c.m_pCurrentCache->clear();
-    return !text.empty() && c.m_pCurrentCache->setSensorValues(text) ? 1 : 0;
+    return c.m_pCurrentCache->setSensorValues(text);
 }
 
 int ISensorController::resetParameters() {
@@ -234,8 +236,10 @@ int ISensorController::resetToLastParameters() {
     }
     if (OperationReport* report = recorder::report())
         report->source = m_pRooms->files.find(m_nParamScheme)->getFilePath();
+    const Rooms::SchemeState before = m_pRooms->schemeState(m_nParamScheme);
     if (!setParameters(text)) {
         ErrorPrintf("setParameters @resetToLastParameters failed");
+        m_pRooms->restore(before);
         return 0;
     }
     if (!flush()) {

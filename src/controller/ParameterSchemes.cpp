@@ -20,13 +20,12 @@ namespace {
 constexpr int MostSchemes = 100;
 constexpr int XmlFormat = 1;
 
-/// Whether the text holds parameters at all: one that does not would be applied without a fault, and change nothing.
-bool isParameterSet(const std::string& text) {
+} // namespace
+
+bool ISensorController::Rooms::isParameterSet(const std::string& text) {
     std::map<int, int> values;
     return SensorParameterParser::parseSensorParameter(text, values) && !values.empty();
 }
-
-} // namespace
 
 int ISensorController::setParameterToSensor(int id, int value) {
     const BaseParameter* row = findBaseParameter(id);
@@ -195,7 +194,7 @@ int ISensorController::switchParam(int scheme) {
         ErrorPrintf("switchParam failed: parameter scheme %d can not be read", scheme);
         return 0;
     }
-    if (!isParameterSet(text)) {
+    if (!Rooms::isParameterSet(text)) {
         ErrorPrintf("switchParam failed: the file of parameter scheme %d is broken", scheme);
         return 0;
     }
@@ -236,17 +235,19 @@ int ISensorController::readCurrentParam(int& scheme, std::string& text) {
 
 int ISensorController::paramSchemeSwitchBody() {
     // The files are opened only when there is something to switch.
-    const auto isDue = [this] { return m_nParamMode != 0 && m_pRooms->selectByClock() != m_nParamScheme; };
-    if (!isDue())
+    if (m_nParamMode == 0)
         return 0;
-    if (m_pRooms->selectByClock() < 0) {
+    const int due = m_pRooms->selectByClock();
+    if (due < 0) {
         std::puts("readCurrentParam failed");
         return -1;
     }
+    if (due == m_nParamScheme)
+        return 0;
     // The host may have been changing the mode, the choice or a span: what it left counts. Only a switch waits for the
     // lock, because a host's set can hold it for the whole restart of a module.
     ScopedLock lock(m_ParamMutex);
-    if (!isDue())
+    if (m_nParamMode == 0 || m_pRooms->selectByClock() == m_nParamScheme)
         return 0;
     int scheme = 0;
     std::string text;
@@ -254,7 +255,7 @@ int ISensorController::paramSchemeSwitchBody() {
         std::puts("readCurrentParam failed");
         return -1;
     }
-    if (!isParameterSet(text)) {
+    if (!Rooms::isParameterSet(text)) {
         ErrorPrintf("setParameters failed @paramSchemeSwitchBody");
         return -1;
     }

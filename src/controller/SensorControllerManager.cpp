@@ -32,13 +32,23 @@ void SensorControllerManager::init(int videoSystem, const VideoResolution& resol
         return;
     m_pSensorController->setOperator(m_pUARTController, m_pGPIO);
     m_pSensorController->setObserver(m_pObserver);
-    const auto setStarting = [this](ISensorController* controller) {
-        sensorhost::ScopedLock lock(m_StartMutex);
-        m_pStarting = controller;
-    };
-    setStarting(&*m_pSensorController);
-    const int isUp = m_pSensorController->init(videoSystem, configure, resolution);
-    setStarting(nullptr);
+    int isUp = 0;
+    {
+        // cancelStart finds the controller as long as this lives, however the start ends.
+        struct Starting {
+            Starting(SensorControllerManager& of, ISensorController& controller) : manager(of) { set(&controller); }
+            ~Starting() { set(nullptr); }
+            Starting(const Starting&) = delete;
+            Starting& operator=(const Starting&) = delete;
+            void set(ISensorController* controller) const {
+                sensorhost::ScopedLock lock(manager.m_StartMutex);
+                manager.m_pStarting = controller;
+            }
+            SensorControllerManager& manager;
+        };
+        const Starting starting(*this, *m_pSensorController);
+        isUp = m_pSensorController->init(videoSystem, configure, resolution);
+    }
     if (!isUp) {
         printDiagnostic("SensorControllerManager::initController error");
         return;

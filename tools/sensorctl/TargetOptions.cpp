@@ -64,7 +64,7 @@ void addKeys(std::map<std::string, std::string>& keys, const std::string& text, 
         if (trimmed(pair).empty())
             continue;
         if (equals == std::string::npos || key.empty())
-            throw Failure(code, source + ": \"" + pair + "\" is no key=value", {hint});
+            throw Failure(code, std::string(source).append(": \"").append(pair).append("\" is no key=value"), {hint});
         keys[key] = pair.substr(equals + 1);
     }
 }
@@ -77,7 +77,7 @@ std::string valueOf(const std::map<std::string, std::string>& keys, const std::s
 std::string textOf(const std::map<std::string, std::string>& keys) {
     std::string text;
     for (const auto& [key, value] : keys)
-        text += (text.empty() ? "" : ";") + key + '=' + value;
+        text.append(text.empty() ? "" : ";").append(key).append("=").append(value);
     return text;
 }
 
@@ -221,7 +221,7 @@ VideoResolution TargetOptions::videoResolution() const {
 std::string TargetOptions::lineText() const {
     if (!line.empty())
         return line;
-    if (const std::string configured = valueOf(m_RecordParameters, portKey()); !configured.empty())
+    if (std::string configured = valueOf(m_RecordParameters, portKey()); !configured.empty())
         return configured;
     const camerasim::BlockEntry* const block = findBlock(moduleId);
     return std::to_string(block != nullptr ? block->baud : DefaultBaud) + ",8,1,0";

@@ -187,6 +187,7 @@ int showUi(Output& output, const UiOptions& options) {
     complaints.insert(complaints.end(), folder.complaints().begin(), folder.complaints().end());
     if (!folder.hasTexts()) {
         std::vector<std::string> reasons;
+        reasons.reserve(complaints.size() + 1);
         for (const std::string& line : complaints)
             reasons.push_back("reason: " + line);
         if (!options.explain && !folder.report().blocks.empty())

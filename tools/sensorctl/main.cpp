@@ -8,6 +8,7 @@
 #include "simulator/FaultPlan.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -247,9 +248,7 @@ int run(CommandLine& line) {
     }
 }
 
-} // namespace
-
-int main(int argumentCount, char** arguments) {
+int parseAndRun(int argumentCount, char** arguments) {
     CommandLine line;
     CLI::App app("Brings a camera module up and works on it, on a real serial port or on a simulated block.");
     app.require_subcommand(1);
@@ -272,4 +271,15 @@ int main(int argumentCount, char** arguments) {
         return app.exit(error) == 0 ? Done : Usage;
     }
     return run(line);
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    try {
+        return parseAndRun(argumentCount, arguments);
+    } catch (...) {
+        std::fputs("sensorctl: out of memory\n", stderr);
+        return Trouble;
+    }
 }
