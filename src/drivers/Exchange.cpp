@@ -10,76 +10,110 @@ namespace sensorcontrol {
 
 namespace {
 
+using Answer = OperationReport::Answer;
+
 void record(ISensorController& controller, std::span<const char> bytes) {
     controller.recodeArray(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-using Answer = OperationReport::Answer;
-
-Answer tryOnce(const SerialLine& line, const ExchangeRule& rule, int attempt, std::span<const char> command,
-               std::span<char> reply, int& received) {
-    ISensorController& controller = line.controller;
-    const int length = static_cast<int>(command.size());
-    const int sent = line.port.send(line.handle, command.data(), length);
-    if (sent != length) {
-        controller.ErrorPrintf("===send(%d times) @%s failed,send(%d):", attempt, rule.name, sent);
-        record(controller, command);
+Answer answerOf(const Attempt& made) {
+    switch (made.outcome) {
+    case Outcome::Done:
+        return Answer::Accepted;
+    case Outcome::ShortSend:
         return Answer::PortFailed;
-    }
-    const int wanted = static_cast<int>(reply.size());
-    const int result = line.port.recv(line.handle, reply.data(), wanted, rule.timeout);
-    received = std::clamp(result, 0, wanted);
-    if (result != wanted) {
-        controller.ErrorPrintf("===recv(%d times) @%s failed,send:", attempt, rule.name);
-        record(controller, command);
-        controller.ErrorPrintf("===recv(%d):", result);
-        record(controller, reply.first(static_cast<std::size_t>(received)));
-        return result < 0 ? Answer::PortFailed : result == 0 ? Answer::None : Answer::Cut;
-    }
-    if (rule.accepts != nullptr && !rule.accepts(controller, command, reply)) {
-        rule.reportRefusal(controller, rule, attempt, command, reply);
+    case Outcome::Silent:
+    case Outcome::Short:
+        return made.count < 0 ? Answer::PortFailed : made.reply.empty() ? Answer::None : Answer::Cut;
+    default:
         return Answer::Refused;
     }
-    return Answer::Accepted;
+}
+
+Attempt tryOnce(const SerialLine& line, const Link& link, std::span<const char> command, int asked) {
+    const int length = static_cast<int>(command.size());
+    const int sent = line.port.send(line.handle, command.data(), length);
+    if (sent != length)
+        return {Outcome::ShortSend, sent, {}};
+    std::size_t received = 0;
+    int count = 0;
+    for (;;) {
+        const std::span<const char> soFar = line.buffer.first(received);
+        const int wanted = link.framing(soFar, asked) - static_cast<int>(received);
+        if (wanted <= 0)
+            return {link.accepts(command, soFar) ? Outcome::Done : Outcome::Refused, count, soFar};
+        if (static_cast<std::size_t>(wanted) > line.buffer.size() - received)
+            return {Outcome::TooLong, count, soFar};
+        for (int receive = 0; receive < link.receives; ++receive) {
+            count = line.port.recv(line.handle, line.buffer.data() + received, wanted, link.timeout);
+            if (count != 0 || received > 0)
+                break;
+        }
+        const bool isFirst = received == 0;
+        received += static_cast<std::size_t>(std::clamp(count, 0, wanted));
+        if (count != wanted)
+            return {isFirst && received == 0 ? Outcome::Silent : Outcome::Short, count, line.buffer.first(received)};
+    }
 }
 
 } // namespace
 
-int exchange(const SerialLine& line, const ExchangeRule& rule, const char* bytes, int length, int replyLength,
-             char* reply) {
+bool isEcho(std::span<const char> command, std::span<const char> reply) { return std::ranges::equal(command, reply); }
+
+bool isSumRight(std::span<const char>, std::span<const char> reply) {
+    unsigned int sum = 0;
+    for (const char byte : reply.first(reply.empty() ? 0 : reply.size() - 1))
+        sum += static_cast<unsigned char>(byte);
+    return !reply.empty() && (sum & 0xffU) == static_cast<unsigned char>(reply.back());
+}
+
+Attempt attempt(const SerialLine& line, const Link& link, std::span<const char> command, int asked) {
+    const Attempt made = tryOnce(line, link, command, asked);
+    const Answer answer = answerOf(made);
+    DriverServices::tellPort(line.controller, answer != Answer::PortFailed);
+    recorder::frame(command, answer, made.reply);
+    return made;
+}
+
+int exchange(const SerialLine& line, const ExchangeRule& rule, const char* bytes, int length, int asked, char* reply) {
     // A port's -1 would pass for all of -1 bytes.
-    if (length < 0 || replyLength < 0 || static_cast<std::size_t>(replyLength) > line.buffer.size()) {
+    if (length < 0 || asked < 0 || static_cast<std::size_t>(asked) > line.buffer.size()) {
         line.controller.ErrorPrintf("===%s: a command of %d bytes and a reply of %d are refused", rule.name, length,
-                                    replyLength);
+                                    asked);
         return 0;
     }
     const std::span<const char> command(bytes, static_cast<std::size_t>(length));
-    const std::span<char> received = line.buffer.first(static_cast<std::size_t>(replyLength));
     const recorder::LogOnly framesTellIt;
     sensorhost::ScopedLock lock(line.mutex);
-    for (int attempt = 1; attempt <= rule.tries; ++attempt) {
-        int count = 0;
-        const Answer answer = tryOnce(line, rule, attempt, command, received, count);
-        DriverServices::tellPort(line.controller, answer != Answer::PortFailed);
-        recorder::frame(command, answer, received.first(static_cast<std::size_t>(count)));
-        if (answer == Answer::Accepted) {
+    for (int number = 1; number <= rule.tries; ++number) {
+        const Attempt made = attempt(line, rule.link, command, asked);
+        if (made.outcome == Outcome::Done) {
             if (reply != nullptr)
-                std::ranges::copy(received, reply);
+                std::ranges::copy(made.reply, reply);
             return 1;
         }
+        rule.report(line, rule, number, command, made);
         if (DriverServices::isEnding(line.controller))
             return 0;
-        line.controller.clearUartBuffer();
+        drain(line, rule.drain);
     }
     return 0;
 }
 
-void reportDifference(ISensorController& controller, const ExchangeRule& rule, int attempt,
-                      std::span<const char> command, std::span<const char> reply) {
-    controller.ErrorPrintf("===check(%d times) @%s failed,send:", attempt, rule.name);
+void reportAttempt(const SerialLine& line, const ExchangeRule& rule, int number, std::span<const char> command,
+                   const Attempt& failed) {
+    ISensorController& controller = line.controller;
+    if (failed.outcome == Outcome::ShortSend) {
+        controller.ErrorPrintf("===send(%d times) @%s failed,send(%d):", number,
+                               rule.sendName != nullptr ? rule.sendName : rule.name, failed.count);
+        record(controller, command);
+        return;
+    }
+    const bool isWhole = failed.outcome == Outcome::Refused;
+    controller.ErrorPrintf("===%s(%d times) @%s failed,send:", isWhole ? "check" : "recv", number, rule.name);
     record(controller, command);
-    controller.ErrorPrintf("===recv(%d):", static_cast<int>(reply.size()));
-    record(controller, reply);
+    controller.ErrorPrintf("===recv(%d):", isWhole ? static_cast<int>(failed.reply.size()) : failed.count);
+    record(controller, failed.reply);
 }
 
 } // namespace sensorcontrol

@@ -7,8 +7,6 @@
 
 #include "drivers/Exchange.h"
 
-#include <algorithm>
-
 namespace {
 
 using namespace sensorcontrol;
@@ -25,12 +23,7 @@ enum MaskOperation {
 
 enum SizeStep { Wider = 0x01, Narrower = 0x02, Higher = 0x03, Lower = 0x04 };
 
-bool isEcho(ISensorController&, std::span<const char> command, std::span<const char> reply) {
-    return std::ranges::equal(command, reply);
-}
-
-constexpr ExchangeRule MaskRule{
-    .name = "BRSendParam", .timeout = 5, .accepts = isEcho, .reportRefusal = reportDifference};
+constexpr ExchangeRule MaskRule{.link = {.timeout = 5, .accepts = isEcho}, .name = "BRSendParam"};
 
 } // namespace
 

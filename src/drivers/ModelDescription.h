@@ -3,99 +3,49 @@
 #include "drivers/ParameterRow.h"
 
 #include <span>
-#include <string_view>
 
 namespace sensorcontrol {
 
-/// What tells one model from another on its way through the gate.
+/// Where a model's module strings tell its port, and what is said on the way to it.
+struct PortRecipe {
+    const char* key = "RS485"; ///< of the device in the detail, of the line in the parameters
+    const char* deviceFailure = "get RS232DeviceName from detail failed";
+    const char* lineFailure = "get RS232Parameter from senseParameter failed";
+    const char* lineTextFailure = "parse RS485 param failed,nRet=%d"; ///< with how many numbers there were
+    const char* openFailure = "open UART(%s) failed";                 ///< with the device
+    const char* settingFailure = nullptr; ///< with the device and the four numbers; null: silence
+    const char* startedAs = nullptr;      ///< name of the controller for the console; null: the start prints nothing
+};
+
+/// What tells one model from another on its way through the gate and through its start.
 struct ModelDescription {
     const char* className;
     std::span<const ParameterRow> rows; ///< ascending by id
-    bool hasPort = true;                ///< a camera block on a serial port
-    int waitMicroseconds = 30000;       ///< after every parameter that was served
+    int version = 0;                    ///< of the parameter files, main and sub
+    int subVersion = 0;
+    // Parameters that operations of the interface stand for; -1: none.
+    int mirrorId = -1;
+    int focusModeId = -1;
+    int dayNightModeId = -1;
+    bool hasPort = true; ///< a camera block on a serial port
+    PortRecipe port{};
+    bool isStatusTested = true;  ///< nothing is served before the start has reached the parameters
+    Message statusText = Silent; ///< said when a read is refused for that
+    int wait = 30000;            ///< microseconds, after every parameter that was served
     int unservedSetResult = -1;
-    const char* unservedText = nullptr; ///< logged for an id that is not served; with at most one %d, the id
-    bool isReadFromZero = true;         ///< a read that writes nothing gives 0; else what the caller passed
-    /// Behind "set" or "get" and the row's name; with at most one %d. Null: a failure logs nothing.
+    Message unservedText = Silent; ///< for an id that is not served; with at most one %d, the id
+    bool isReadFromZero = true;    ///< a read that writes nothing gives 0; else what the caller passed
+    /// Behind "set" and the row's name, for rows without a text of their own; with at most one %d. Null: silence.
+    const char* refusalText = nullptr;
+    /// Behind "set" or "get" and the row's name; with at most one %d. Null: a failure says nothing.
     const char* failureText = " error,value is %d";
-    /// Sends the frame of a row.
+    /// Sends the frame of a row. 1 or 0.
     int (*transmit)(ISensorController&, const char* frame, int length) = [](ISensorController& controller,
                                                                             const char* frame, int length) {
         return controller.setParameterValue(frame, length);
     };
+    /// Sends an inquiry and gives the number in its reply. 1 or 0.
+    int (*inquire)(ISensorController&, const char* frame, int length, int& number) = nullptr;
 };
-
-namespace detail {
-
-/// The texts go through printf with one int.
-consteval bool isTextSafe(const char* text) {
-    if (text == nullptr)
-        return true;
-    int numbers = 0;
-    const std::string_view view(text);
-    for (std::size_t i = 0; i < view.size(); ++i) {
-        if (view[i] != '%')
-            continue;
-        if (i + 1 == view.size() || view[i + 1] != 'd')
-            return false;
-        ++numbers;
-    }
-    return numbers <= 1;
-}
-
-consteval bool fitsFrame(const ParameterRow& row) {
-    if (row.send.empty() && row.value.table.empty())
-        return true;
-    if (row.accepts.takesAll())
-        return false;
-    for (const ValueSet::Range& range : row.accepts)
-        for (int value = range.low; value <= range.high; ++value)
-            if ((!row.value.table.empty() && static_cast<std::size_t>(value) >= row.value.table.size()) ||
-                (!row.send.empty() && !row.send.holds(row.value(value))))
-                return false;
-    return true;
-}
-
-/// Whether a row may do with so many ways to set it.
-consteval bool isSettable(const ParameterRow& row, int ways) {
-    const bool isReadOnly = row.kind == IdManager::Unknown && (row.factory.isKnown || row.get != nullptr);
-    return ways == 1 || (ways == 0 && isReadOnly);
-}
-
-consteval bool isRangeOrdered(const ValueSet& values) {
-    bool isFirst = true;
-    int last = 0;
-    for (const ValueSet::Range& range : values) {
-        if (range.low > range.high || (!isFirst && range.low <= last))
-            return false;
-        last = range.high;
-        isFirst = false;
-    }
-    return true;
-}
-
-} // namespace detail
-
-/// Proves a table: ids ascend, every row says how it is set in one way, every accepted value fits its frame and its
-/// look-up, the factory value is accepted, a refusal has something to refuse, the texts are safe to print.
-consteval bool isWellFormed(std::span<const ParameterRow> rows) {
-    int lastId = -1;
-    for (const ParameterRow& row : rows) {
-        const int ways = (row.send.empty() ? 0 : 1) + (row.set != nullptr ? 1 : 0) + (row.command != nullptr ? 1 : 0);
-        if (row.id <= lastId || row.name == nullptr || !detail::isSettable(row, ways))
-            return false;
-        if (!detail::isRangeOrdered(row.accepts) || !detail::fitsFrame(row))
-            return false;
-        if (row.accepts.takesAll() && row.refusal != nullptr)
-            return false;
-        if (row.factory.isKnown && (row.get != nullptr || !row.accepts.contains(row.factory.value)))
-            return false;
-        if (!detail::isTextSafe(row.refusal) || !detail::isTextSafe(row.setFailure) ||
-            !detail::isTextSafe(row.getFailure))
-            return false;
-        lastId = row.id;
-    }
-    return true;
-}
 
 } // namespace sensorcontrol

@@ -4,9 +4,10 @@
 #include "drivers/ParameterTable.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
-#include "drivers/visca/ViscaModel.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <type_traits>
 
 namespace sensorcontrol {
@@ -14,7 +15,7 @@ namespace sensorcontrol {
 namespace {
 
 ParameterInfo describeRow(const ModelDescription& model, const ParameterRow& row) {
-    ParameterInfo info{row.id, row.name, {}, row.command != nullptr, row.kind, {}, {}};
+    ParameterInfo info{row.id, row.name, {}, row.set.isCommand(), row.kind, {}, {}};
     for (const ValueSet::Range& accepted : row.accepts)
         info.accepts.push_back({accepted.low, accepted.high});
     if (row.factory.isKnown)
@@ -23,12 +24,9 @@ ParameterInfo describeRow(const ModelDescription& model, const ParameterRow& row
     return info;
 }
 
-const ModelDescription& parametersOf(const ModelDescription& model) { return model; }
-const ModelDescription& parametersOf(const ViscaModel& model) { return model.parameters; }
-
 template <class Controller>
 ModelInfo describeModelOf(int moduleId) {
-    const ModelDescription& model = parametersOf(Controller::model());
+    const ModelDescription& model = Controller::model();
     ModelInfo info{moduleId, model.className, model.hasPort, {}};
     for (const ParameterRow& parameter : model.rows)
         info.parameters.push_back(describeRow(model, parameter));
@@ -44,24 +42,29 @@ ISensorController* make(int moduleId) {
         return new Controller;
 }
 
-template <class Controller>
-constexpr CatalogueRow module(int moduleId, const ControllerTraits& traits = {}) {
-    return {moduleId, traits, make<Controller>, describeModelOf<Controller>};
+/// The rows of all module ids of the classes, ascending, beside those that are known by their traits alone.
+template <class... Controllers, std::size_t Traits>
+consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
+    std::array<CatalogueRow, (std::size(Controllers::ModuleIds) + ...) + Traits> rows{};
+    std::size_t count = 0;
+    const auto add = [&]<class Controller>(std::type_identity<Controller>) {
+        for (const int moduleId : Controller::ModuleIds)
+            rows[count++] = {moduleId, Controller::Traits, make<Controller>, describeModelOf<Controller>};
+    };
+    (add(std::type_identity<Controllers>{}), ...);
+    for (const CatalogueRow& row : byTraits)
+        rows[count++] = row;
+    std::ranges::sort(rows, {}, &CatalogueRow::moduleId);
+    return rows;
 }
 
-constexpr CatalogueRow Rows[] = {
-    module<BreltoISPSenseController>(4, {.edgesByTable = false}),
-    module<BreltoISPSenseController>(5, {.edgesByTable = false}),
-    module<BreltoISPSenseController>(6, {.edgesByTable = false}),
+constexpr auto Rows = catalogue<BreltoISPSenseController, CMD8100SenseController>({
     {11, {.filterOffAtFactory = true}},
-    module<CMD8100SenseController>(16, {.filterOffAtFactory = true}),
     {17, {.isParameterAccessClosed = true}},
     {19, {.filterOffAtFactory = true}},
     {21, {.edgesOffWithFilter = true}},
     {24, {.filterOffAtFactory = true}},
-};
-
-static_assert(std::ranges::is_sorted(Rows, {}, &CatalogueRow::moduleId));
+});
 
 } // namespace
 

@@ -2,9 +2,15 @@
 
 #include "controller/Recorder.h"
 #include "host/BreltoTime.h"
+#include "host/GlobalEnv.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+
+// The texts are the tables', proved to take one int.
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+#pragma GCC diagnostic ignored "-Wformat-security"
 
 namespace sensorcontrol {
 
@@ -15,37 +21,59 @@ const ParameterRow* findRow(const ModelDescription& model, int id) {
     return row != model.rows.end() && row->id == id ? &*row : nullptr;
 }
 
-void logFailure(ISensorController& controller, const ModelDescription& model, const ParameterRow& row,
-                const char* prefix, const char* irregular, int value) {
-    if (irregular != nullptr) {
-        if (*irregular != '\0')
-            ParameterTable::log(controller, irregular, value);
-        return;
+/// Says the row's text, or the regular one: the verb, the row's name and what the model puts behind it.
+void say(ISensorController& controller, const Message& message, const char* verb, const char* name,
+         const char* regularEnd, int value) {
+    if (!message.isRegular()) {
+        ParameterTable::say(controller, message, value);
+    } else if (regularEnd != nullptr) {
+        char text[100];
+        std::snprintf(text, sizeof text, "%s%s%s", verb, name, regularEnd);
+        ParameterTable::say(controller, text, value);
     }
-    if (model.failureText == nullptr)
-        return;
-    char text[100];
-    std::snprintf(text, sizeof text, "%s%s%s", prefix, row.name, model.failureText);
-    ParameterTable::log(controller, text, value);
+}
+
+void refuse(ISensorController& controller, const ModelDescription& model, const ParameterRow& row, int value) {
+    say(controller, row.refusal, "set", row.name, model.refusalText, value);
+    recorder::refuse("not among the accepted values");
 }
 
 void leaveUnserved(ISensorController& controller, const ModelDescription& model, int id) {
     recorder::leaveUnserved();
-    if (model.unservedText != nullptr)
-        ParameterTable::log(controller, model.unservedText, id);
+    ParameterTable::say(controller, model.unservedText, id);
 }
 
-bool isSettable(const ParameterRow& row) { return !row.send.empty() || row.set != nullptr || row.command != nullptr; }
-
-void waitAfter(const ModelDescription& model) {
-    if (model.waitMicroseconds > 0)
-        BreltoTime::wait(BreltoTime(0, model.waitMicroseconds));
+void pause(int microseconds) {
+    constexpr int Second = 1000000;
+    if (microseconds > 0)
+        BreltoTime::wait(BreltoTime(microseconds / Second, microseconds % Second));
 }
 
-int keep(const ModelDescription& model, const ParameterRow& row) {
-    if (recorder::isListening())
-        recorder::keep(describe(row.onlyWhile, model));
-    return 1;
+void waitAfter(const ModelDescription& model, const ParameterRow& row) {
+    pause(row.wait == ModelsWait ? model.wait : row.wait);
+}
+
+bool isMet(const Condition& condition, int stored, int infrared) {
+    return condition.kind == Condition::Always ||
+           (condition.kind == Condition::WithoutInfrared ? infrared == 0 : condition.isMetBy(stored));
+}
+
+using StoredValues = std::array<int, FramePattern::MostStored>;
+
+bool readStored(ISensorController& controller, std::span<const std::int16_t> ids, StoredValues& values) {
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        if (!controller.getParameter(ids[i], values[i]))
+            return false;
+    return true;
+}
+
+/// The number in the place of a field, with what the register holds beside it; the shadow takes it over.
+int placed(ISensorController& controller, const BitField& field, int number) {
+    if (field.isWhole())
+        return number;
+    int& shadow = field.shadow(controller);
+    shadow = replaceBits(shadow, number, field.first, field.width);
+    return shadow;
 }
 
 } // namespace
@@ -55,69 +83,103 @@ void ParameterTable::registerIds(IdManager& ids, const ModelDescription& model) 
         ids.addParameterId(row.kind, row.id);
 }
 
-void ParameterTable::log(ISensorController& controller, const char* text, int value) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#pragma GCC diagnostic ignored "-Wformat-security"
-    controller.ErrorPrintf(text, value);
-#pragma GCC diagnostic pop
+void ParameterTable::say(ISensorController& controller, const Message& message, int value) {
+    if (message.isSilent())
+        return;
+    if (message.outlet == Message::Log || message.outlet == Message::Regular) {
+        controller.ErrorPrintf(message.text, value);
+    } else if (message.outlet == Message::Console || GlobalEnv::getInstance()->getPrintFlag()) {
+        std::printf(message.text, value);
+        std::puts("");
+    }
+}
+
+void ParameterTable::keep(ISensorController& controller, int id, int value) {
+    controller.m_pCurrentCache->setSensorValue(id, value);
+    controller.m_pLastCache->setSensorValue(id, value);
 }
 
 int ParameterTable::set(ISensorController& controller, const ModelDescription& model, int id, int value) {
-    if (controller.m_SensorStatus != ISensorController::InitSuccess)
+    if (model.isStatusTested && controller.m_SensorStatus != ISensorController::InitSuccess)
         return 0;
     const int ofBase = controller.ISensorController::setParameterToSensor(id, value);
     if (ofBase != -1)
         return ofBase;
     const ParameterRow* row = findRow(model, id);
-    if (row == nullptr || !isSettable(*row)) {
+    if (row == nullptr || !row->isSettable()) {
         leaveUnserved(controller, model, id);
         return model.unservedSetResult;
     }
     if (!apply(controller, model, *row, value)) {
-        logFailure(controller, model, *row, row->command != nullptr ? "" : "set", row->setFailure, value);
+        sensorcontrol::say(controller, row->setFailure, row->set.isCommand() ? "" : "set", row->name, model.failureText,
+                           value);
         return 0;
     }
-    waitAfter(model);
+    waitAfter(model, *row);
     return 1;
 }
 
 int ParameterTable::get(ISensorController& controller, const ModelDescription& model, int id, int& value) {
-    if (controller.m_SensorStatus != ISensorController::InitSuccess)
+    if (model.isStatusTested && controller.m_SensorStatus != ISensorController::InitSuccess) {
+        say(controller, model.statusText, id);
         return 0;
+    }
     if (model.isReadFromZero)
         value = 0;
     if (controller.ISensorController::getParameterFromSensor(id, value))
         return 1;
     const ParameterRow* row = findRow(model, id);
-    if (row == nullptr || (row->get == nullptr && !row->factory.isKnown)) {
+    if (row == nullptr || !row->isReadable()) {
         leaveUnserved(controller, model, id);
         return 0;
     }
-    if (row->get == nullptr) {
-        value = row->factory.value;
-    } else if (!row->get(controller, value)) {
-        logFailure(controller, model, *row, "get", row->getFailure, value);
+    const int isRead = row->get.isThere()           ? row->get(controller, value)
+                       : !row->read.inquiry.empty() ? read(controller, model, row->read, value)
+                                                    : 1;
+    if (!isRead) {
+        sensorcontrol::say(controller, row->getFailure, "get", row->name, model.failureText, value);
         return 0;
     }
-    waitAfter(model);
+    if (row->factory.isKnown)
+        value = row->factory.value;
+    waitAfter(model, *row);
     return 1;
 }
 
-std::string describe(const Condition& condition, const ModelDescription& model) {
-    if (condition.kind == Condition::WithoutInfrared)
-        return "only without infrared board";
-    if (condition.kind != Condition::WhileStored)
-        return {};
-    const ParameterRow* other = findRow(model, condition.storedId);
-    std::string text = "only while ";
-    text += other != nullptr ? other->name : std::to_string(condition.storedId);
-    const char* separator = " is ";
-    for (int value = 0; value < 32; ++value) {
-        if ((condition.storedValues >> value & 1U) == 0)
+int ParameterTable::read(ISensorController& controller, const ModelDescription& model, const Reading& reading,
+                         int& value) {
+    const FramePattern::Frame frame = reading.inquiry.build(0);
+    int number = 0;
+    if (!model.inquire(controller, frame.data(), static_cast<int>(reading.inquiry.size()), number))
+        return 0;
+    if (!reading.field.isWhole()) {
+        reading.field.shadow(controller) = number;
+        number = extractBits(number, reading.field.first, reading.field.width);
+    }
+    value = reading.value(number);
+    return 1;
+}
+
+std::string describe(const Conditions& conditions, const ModelDescription& model) {
+    std::string text;
+    for (const Condition& condition : conditions) {
+        if (condition.kind == Condition::Always)
             continue;
-        text += separator + std::to_string(value);
-        separator = " or ";
+        text += text.empty() ? "only " : " and ";
+        if (condition.kind == Condition::WithoutInfrared) {
+            text += "without infrared board";
+            continue;
+        }
+        const ParameterRow* other = findRow(model, condition.storedId);
+        text += condition.kind == Condition::WhileStored ? "while " : "unless ";
+        text += other != nullptr ? other->name : std::to_string(condition.storedId);
+        const char* separator = " is ";
+        for (int value = 0; value < 32; ++value) {
+            if ((condition.storedValues >> value & 1U) == 0)
+                continue;
+            text += separator + std::to_string(value);
+            separator = " or ";
+        }
     }
     return text;
 }
@@ -137,34 +199,73 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
 
 int ParameterTable::apply(ISensorController& controller, const ModelDescription& model, const ParameterRow& row,
                           int value) {
-    int stored = 0;
-    if (row.onlyWhile.kind == Condition::WhileStored && !controller.getParameter(row.onlyWhile.storedId, stored))
+    bool counts = true;
+    StoredValues stored{};
+    for (const Condition& condition : row.onlyWhile) {
+        int other = 0;
+        if (condition.readsStored() && !controller.getParameter(condition.storedId, other))
+            return 0;
+        counts = counts && isMet(condition, other, controller.m_nInfrared);
+    }
+    if (counts && !readStored(controller, row.send.storedIds(), stored))
         return 0;
-    const bool isChecked = !row.send.empty() || row.refusal != nullptr;
-    if (isChecked && !row.accepts.contains(value)) {
-        if (row.refusal != nullptr)
-            log(controller, row.refusal, value);
-        recorder::refuse("not among the accepted values");
+    const bool isInRange = !row.isCheckedByGate() || row.accepts.contains(value);
+    if (!isInRange && (counts || row.onlyWhile.isRangeFirst())) {
+        refuse(controller, model, row, value);
         return 0;
     }
-    switch (row.onlyWhile.kind) {
-    case Condition::WhileStored:
-        if (stored < 0 || stored > 31 || (row.onlyWhile.storedValues >> stored & 1U) == 0)
-            return keep(model, row);
-        break;
-    case Condition::WithoutInfrared:
-        if (controller.m_nInfrared != 0)
-            return keep(model, row);
-        break;
-    default:
-        break;
+    if (!counts) {
+        if (recorder::isListening())
+            recorder::keep(describe(row.onlyWhile, model));
+        return 1;
     }
-    if (row.command != nullptr)
-        return row.command(controller);
-    if (row.set != nullptr)
-        return row.set(controller, row.value(value));
-    const FramePattern::Frame frame = row.send.build(row.value(value));
-    return model.transmit(controller, frame.data(), static_cast<int>(row.send.size()));
+    const int isTaken =
+        row.set.isThere() ? row.set(controller, row.value(value)) : transmit(controller, model, row, value, stored);
+    if (!isTaken)
+        return 0;
+    if (row.remember.id != 0)
+        keep(controller, row.remember.id, row.remember.value(value));
+    return row.then.empty() ? 1 : resend(controller, model, row.then, value);
+}
+
+int ParameterTable::transmit(ISensorController& controller, const ModelDescription& model, const ParameterRow& row,
+                             int value, std::span<const int> stored) {
+    if (!row.send.empty()) {
+        const FramePattern::Frame frame = row.send.build(placed(controller, row.field, row.value(value)), stored);
+        return model.transmit(controller, frame.data(), static_cast<int>(row.send.size()));
+    }
+    return sendSteps(controller, model, row.steps, value);
+}
+
+int ParameterTable::sendSteps(ISensorController& controller, const ModelDescription& model, std::span<const Step> steps,
+                              int value) {
+    for (const Step& step : steps) {
+        if (!step.when.contains(value))
+            continue;
+        const FramePattern::Frame frame = step.frame.build(placed(controller, step.field, step.value(value)));
+        if (!model.transmit(controller, frame.data(), static_cast<int>(step.frame.size()))) {
+            say(controller, step.failure, value);
+            return 0;
+        }
+        pause(step.pause);
+    }
+    return 1;
+}
+
+int ParameterTable::resend(ISensorController& controller, const ModelDescription& model, std::span<const Resend> then,
+                           int value) {
+    for (const Resend& resend : then) {
+        if (!resend.when.contains(value))
+            continue;
+        std::array<int, Resend::Most> stored{};
+        for (std::size_t i = 0; i < Resend::Most; ++i)
+            if (resend.ids[i] != 0 && !controller.getParameter(resend.ids[i], stored[i]))
+                return 0;
+        for (std::size_t i = 0; i < Resend::Most; ++i)
+            if (resend.ids[i] != 0 && !apply(controller, model, resend.ids[i], stored[i]))
+                return 0;
+    }
+    return 1;
 }
 
 } // namespace sensorcontrol

@@ -7,6 +7,10 @@
 #include <cstdio>
 #include <cstdlib>
 
+// The recipes' texts are the models'.
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+#pragma GCC diagnostic ignored "-Wformat-security"
+
 namespace sensorcontrol {
 
 ModuleKeys::ModuleKeys(ISensorController& controller, const ModuleConfigure& configure)
@@ -71,25 +75,31 @@ int toNumber(const std::string& text) {
     return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
 }
 
-int openPort(ISensorController& controller, IUARTController& port, const std::string& deviceName,
-             const std::string& lineText, int& handle) {
+int openPort(ISensorController& controller, IUARTController& port, const PortRecipe& recipe,
+             const std::string& deviceName, const std::string& lineText, int& handle) {
     int baudRate = 0;
     int dataBits = 0;
     int stopBits = 0;
     int parity = 0;
     const int count = std::sscanf(lineText.c_str(), "%d,%d,%d,%d", &baudRate, &dataBits, &stopBits, &parity);
     if (count < 4) {
-        controller.ErrorPrintf("parse RS485 param failed,nRet=%d", count);
+        controller.ErrorPrintf(recipe.lineTextFailure, count);
         return 0;
     }
-    std::printf("RS485(%s) param is (%d,%d,%d,%d)\n", deviceName.c_str(), baudRate, dataBits, stopBits, parity);
+    if (recipe.startedAs != nullptr)
+        std::printf("%s(%s) param is (%d,%d,%d,%d)\n", recipe.key, deviceName.c_str(), baudRate, dataBits, stopBits,
+                    parity);
     handle = port.open(deviceName.c_str());
     if (handle < 0) {
-        controller.ErrorPrintf("open uart (%s) failed", deviceName.c_str());
+        controller.ErrorPrintf(recipe.openFailure, deviceName.c_str());
         return 0;
     }
     // The port takes parity before stop bits, the text has them the other way round.
-    return port.setParameter(handle, baudRate, dataBits, parity, stopBits) ? 1 : 0;
+    if (port.setParameter(handle, baudRate, dataBits, parity, stopBits))
+        return 1;
+    if (recipe.settingFailure != nullptr)
+        controller.ErrorPrintf(recipe.settingFailure, deviceName.c_str(), baudRate, dataBits, stopBits, parity);
+    return 0;
 }
 
 } // namespace sensorcontrol

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controller/ISensorController.h"
+#include "drivers/ModelDescription.h"
 #include "host/ModuleParameterParser.h"
 
 #include <string>
@@ -41,7 +41,7 @@ int parsePin(const std::string& text, int& group, int& pin, int& level);
 int toNumber(const std::string& text);
 
 /// Opens a serial device and sets its line from a text "baud,data bits,stop bits,parity". 1 and the handle, or 0.
-int openPort(ISensorController& controller, IUARTController& port, const std::string& deviceName,
-             const std::string& lineText, int& handle);
+int openPort(ISensorController& controller, IUARTController& port, const PortRecipe& recipe,
+             const std::string& deviceName, const std::string& lineText, int& handle);
 
 } // namespace sensorcontrol

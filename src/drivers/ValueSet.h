@@ -24,7 +24,21 @@ public:
             m_Ranges[i] = ranges[i];
     }
 
+    constexpr ValueSet(const ValueSet& low, const ValueSet& high) {
+        for (const ValueSet* values : {&low, &high})
+            for (const Range& range : *values)
+                m_Ranges[m_nCount++] = range;
+    }
+
+    static constexpr ValueSet unchecked() {
+        ValueSet values;
+        values.m_bUnchecked = true;
+        return values;
+    }
+
     constexpr bool takesAll() const { return m_nCount == 0; }
+    /// Takes all on purpose: the manual tells no range.
+    constexpr bool isUnchecked() const { return m_bUnchecked; }
 
     constexpr bool contains(int value) const {
         for (const Range& range : *this)
@@ -41,12 +55,19 @@ private:
 
     std::array<Range, MostRanges> m_Ranges{};
     std::uint8_t m_nCount = 0;
+    bool m_bUnchecked = false;
 };
+
+/// Every value, and the module gets what fits into its frame.
+inline constexpr ValueSet AnyValue = ValueSet::unchecked();
 
 /// low to high, both included.
 constexpr ValueSet range(int low, int high) {
     return ValueSet({{static_cast<std::int16_t>(low), static_cast<std::int16_t>(high)}});
 }
+
+/// The values of two sets, the lower ones first.
+constexpr ValueSet operator|(const ValueSet& low, const ValueSet& high) { return ValueSet(low, high); }
 
 /// These values alone.
 template <class... Values>

@@ -3,6 +3,8 @@
 #include "controller/FactoryValues.h"
 #include "drivers/ParameterTable.h"
 #include "drivers/PortBringUp.h"
+#include "drivers/RowMakers.h"
+#include "drivers/TableProof.h"
 #include "host/BreltoTime.h"
 #include "host/ImagingLibraries.h"
 #include "host/ModuleConfigure.h"
@@ -46,7 +48,7 @@ int readSwitch(ISensorController& controller, int& value) {
     value = Read();
     if (value == 0 || value == 1)
         return 1;
-    ParameterTable::log(controller, Strange.text, value);
+    ParameterTable::say(controller, Strange.text, value);
     return 0;
 }
 
@@ -64,7 +66,7 @@ int writeChecked(ISensorController& controller, int value) {
     if (Write(value) == 0)
         return 1;
     if (Failure.text[0] != '\0')
-        ParameterTable::log(controller, Failure.text, value);
+        ParameterTable::say(controller, Failure.text, value);
     return 0;
 }
 
@@ -278,48 +280,31 @@ struct SENSORCONTROL_LOCAL BreltoISPSenseController::Table {
          .refusal = "setDoorMode out of range,p_nMode=%d",
          .set = setDoorMode,
          .factory = 1},
-        {.id = 57,
-         .name = "DNSwitchDelay",
-         .set = call<&ISensorController::setDNSwitchDelay>,
-         .setFailure = "setDNSwitchDelay failed ",
-         .factory = factory::DNSwitchDelay},
-        {.id = 58, .name = "DTNTime_H", .set = call<&ISensorController::setDTNTime_H>, .factory = factory::DTNTime_H},
-        {.id = 59, .name = "DTNTime_M", .set = call<&ISensorController::setDTNTime_M>, .factory = factory::DTNTime_M},
-        {.id = 60, .name = "NTDTime_H", .set = call<&ISensorController::setNTDTime_H>, .factory = factory::NTDTime_H},
-        {.id = 61, .name = "NTDTime_M", .set = call<&ISensorController::setNTDTime_M>, .factory = factory::NTDTime_M},
-        {.id = 62,
-         .name = "TNFMode",
-         .set = call<&ISensorController::setTNFMode>,
-         .get = ask<&ISensorController::getTNFMode>},
+        saying(switchDelayRow(57), "setDNSwitchDelay failed "),
+        hourOfNightRow(58),
+        minuteOfNightRow(59),
+        hourOfDayRow(60),
+        minuteOfDayRow(61),
+        filterModeRow(62),
     });
     static_assert(isWellFormed(Rows));
 
     static constexpr ModelDescription Description{.className = "BreltoISPSenseController",
                                                   .rows = Rows,
+                                                  .version = 23,
+                                                  .subVersion = 4,
                                                   .hasPort = false,
-                                                  .waitMicroseconds = 0,
+                                                  .wait = 0,
                                                   .unservedText = "paramid=%d error ",
                                                   .isReadFromZero = false,
                                                   .failureText = " failed"};
 };
 
-BreltoISPSenseController::BreltoISPSenseController(int moduleId) : ISensorController(moduleId) {
-    ParameterTable::registerIds(*m_pIdManager, Table::Description);
-    setSensorConfigVersion(23);
-    setSensorConfigVersion2(4);
-}
+BreltoISPSenseController::BreltoISPSenseController(int moduleId) : TableController(moduleId, Table::Description) {}
 
 BreltoISPSenseController::~BreltoISPSenseController() { stopDNChangeThread(); }
 
 const ModelDescription& BreltoISPSenseController::model() { return Table::Description; }
-
-int BreltoISPSenseController::getParameterFromSensor(int id, int& value) {
-    return ParameterTable::get(*this, Table::Description, id, value);
-}
-
-int BreltoISPSenseController::setParameterToSensor(int id, int value) {
-    return ParameterTable::set(*this, Table::Description, id, value);
-}
 
 int BreltoISPSenseController::initController(int, const ModuleConfigure& configure) {
     ModuleKeys keys(*this, configure);

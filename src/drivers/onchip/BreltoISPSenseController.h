@@ -1,18 +1,18 @@
 #pragma once
 
-#include "controller/ISensorController.h"
+#include "controller/ControllerTraits.h"
+#include "drivers/TableController.h"
 
 #include <atomic>
 #include <cstdint>
 
-namespace sensorcontrol {
-struct ModelDescription;
-}
-
 /// The on-chip image pipeline, modules 4, 5 and 6: no camera block and no serial port, every parameter goes to the
 /// imaging library, which keeps the values and answers reads. The modules differ in their module keys only.
-class SENSORCONTROL_API BreltoISPSenseController final : public ISensorController {
+class SENSORCONTROL_API BreltoISPSenseController final : public sensorcontrol::TableController<ISensorController> {
 public:
+    static constexpr int ModuleIds[] = {4, 5, 6};
+    static constexpr sensorcontrol::ControllerTraits Traits{.edgesByTable = false};
+
     explicit BreltoISPSenseController(int moduleId);
     ~BreltoISPSenseController() override;
 
@@ -20,8 +20,6 @@ public:
 
     /// Always 0: the mirror is not read back.
     int getMirrorValue(int& value) override;
-    int getParameterFromSensor(int id, int& value) override;
-    int setParameterToSensor(int id, int value) override;
     /// Blocks for three seconds.
     int setSensorVideoSystem(int videoSystem, const VideoResolution& resolution) override;
     /// By the pipeline's gain: night from the day-to-night threshold up, day from the night-to-day threshold down, in

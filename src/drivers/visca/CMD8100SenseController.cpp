@@ -1,10 +1,12 @@
 #include "drivers/visca/CMD8100SenseController.h"
 
-#include "controller/FactoryValues.h"
 #include "drivers/MaskRows.h"
-#include "drivers/ParameterTable.h"
+#include "drivers/ModelDescription.h"
+#include "drivers/TableEdits.h"
+#include "drivers/TableProof.h"
 #include "drivers/visca/ViscaFrames.h"
-#include "drivers/visca/ViscaModel.h"
+#include "drivers/visca/ViscaHabits.h"
+#include "drivers/visca/ViscaRows.h"
 #include "host/BreltoTime.h"
 
 #include <cstdio>
@@ -12,6 +14,11 @@
 namespace {
 
 using namespace sensorcontrol;
+using visca::commandRow;
+using visca::hourOfDay;
+using visca::hourOfNight;
+using visca::minuteOfDay;
+using visca::minuteOfNight;
 using visca::setting;
 using Block = CMD8100SenseController;
 
@@ -25,6 +32,14 @@ constexpr int FocusModeId = 15;
 constexpr std::uint8_t GainSteps[] = {
     0, 1, 1, 1, 2,  2,  3,  3,  3,  4,  4,  5,  5,  5,  6,  6,  7,  7,  7,  8,
     8, 9, 9, 9, 10, 10, 11, 11, 11, 12, 12, 13, 13, 13, 14, 14, 15, 15, 15,
+};
+
+/// 0 automatic after zooming, 1 always automatic, 2 manual; other values do nothing.
+constexpr Step FocusModes[] = {
+    {.when = range(0, 1), .frame = setting(0x38, 0x02)},
+    {.when = oneOf(0), .frame = setting(0x57, 0x02)},
+    {.when = oneOf(1), .frame = setting(0x57, 0x00)},
+    {.when = oneOf(2), .frame = setting(0x38, 0x03)},
 };
 
 constexpr auto BlockRows = std::to_array<ParameterRow>({
@@ -109,7 +124,7 @@ constexpr auto BlockRows = std::to_array<ParameterRow>({
      .value = lookedUp(GainSteps),
      .factory = 30,
      .getFailure = "getGainLimit error,value is %d"},
-    {.id = FocusModeId, .name = "FocusMode", .set = call<&Block::setFocusMode>, .factory = 1},
+    {.id = FocusModeId, .name = "FocusMode", .accepts = AnyValue, .steps = FocusModes, .factory = 1},
     {.id = 16,
      .name = "FocusNearLimit",
      .accepts = range(0, 4),
@@ -135,89 +150,51 @@ constexpr auto BlockRows = std::to_array<ParameterRow>({
      .refusal = "setShutDownLimit(%d) is out of range",
      .send = setting(0xa3, 0, 0, HI, LO),
      .factory = 0},
-    {.id = 52, .name = "IrisUp", .kind = IdManager::SetOnly, .command = run<&Block::IrisUp>},
-    {.id = 53, .name = "IrisDown", .kind = IdManager::SetOnly, .command = run<&Block::IrisDown>},
-    {.id = 54, .name = "FocusUp", .kind = IdManager::SetOnly, .command = run<&Block::FocusUp>},
-    {.id = 55, .name = "FocusDown", .kind = IdManager::SetOnly, .command = run<&Block::FocusDown>},
-    {.id = 56,
-     .name = "PowerMode",
-     .accepts = range(0, 1),
-     .set = call<&ISensorController::setPowerMode>,
-     .factory = factory::PowerMode},
-    {.id = 57,
-     .name = "NearLight",
-     .accepts = range(0, 100),
-     .set = call<&ISensorController::setNearLight>,
-     .factory = factory::LightPower},
-    {.id = 58,
-     .name = "MiddleLight",
-     .accepts = range(0, 100),
-     .set = call<&ISensorController::setMiddleLight>,
-     .factory = factory::LightPower},
-    {.id = 59,
-     .name = "FarLight",
-     .accepts = range(0, 100),
-     .set = call<&ISensorController::setFarLight>,
-     .factory = factory::LightPower},
-    {.id = 60,
-     .name = "DTNTime_H",
-     .set = call<&ISensorController::setDTNTime_H>,
-     .setFailure = "setDTNTime_H failed",
-     .factory = factory::DTNTime_H,
-     .getFailure = "getDTNTime_H failed"},
-    {.id = 61,
-     .name = "DTNTime_M",
-     .set = call<&ISensorController::setDTNTime_M>,
-     .setFailure = "setDTNTime_M failed",
-     .factory = factory::DTNTime_M,
-     .getFailure = "getDTNTime_M failed"},
-    {.id = 62,
-     .name = "NTDTime_H",
-     .set = call<&ISensorController::setNTDTime_H>,
-     .setFailure = "setNTDTime_H failed",
-     .factory = factory::NTDTime_H,
-     .getFailure = "getNTDTime_H failed"},
-    {.id = 63,
-     .name = "NTDTime_M",
-     .set = call<&ISensorController::setNTDTime_M>,
-     .setFailure = "setNTDTime_M failed",
-     .factory = factory::NTDTime_M,
-     .getFailure = "getNTDTime_M failed"},
-    {.id = 64,
-     .name = "OnePushTrigger",
-     .kind = IdManager::SetOnly,
-     .command = run<&Block::OnePushTrigger>,
-     .setFailure = "OnePushTrigger failed\n"},
+    commandRow(52, "IrisUp", run<&Block::IrisUp>),
+    commandRow(53, "IrisDown", run<&Block::IrisDown>),
+    commandRow(54, "FocusUp", run<&Block::FocusUp>),
+    commandRow(55, "FocusDown", run<&Block::FocusDown>),
+    powerModeRow(56),
+    nearLightRow(57),
+    middleLightRow(58),
+    farLightRow(59),
+    hourOfNight(60),
+    minuteOfNight(61),
+    hourOfDay(62),
+    minuteOfDay(63),
+    saying(commandRow(64, "OnePushTrigger", run<&Block::OnePushTrigger>), "OnePushTrigger failed\n"),
 });
 
 constexpr auto Rows = joined(BlockRows, MaskRows);
 static_assert(isWellFormed(Rows));
 
-constexpr FramePattern ManualSwitching = setting(0x51, 0x03);
-constexpr FramePattern ToDay[] = {ManualSwitching, setting(0x01, 0x03)};
-constexpr FramePattern ToNight[] = {ManualSwitching, setting(0x01, 0x02)};
-constexpr FramePattern ToAuto[] = {setting(0x51, 0x02)};
-
-constexpr ViscaModel Cmd8100{
-    .parameters = {.className = "CMD8100SenseController", .rows = Rows},
-    .turnToDay = ToDay,
-    .turnToNight = ToNight,
-    .turnToAuto = ToAuto,
+constexpr ModelDescription Description{
+    .className = "CMD8100SenseController",
+    .rows = Rows,
+    .version = 4,
+    .subVersion = 3,
+    .mirrorId = MirrorId,
+    .focusModeId = FocusModeId,
+    .port = {.openFailure = "open uart (%s) failed", .startedAs = "CMD8100SenseController"},
 };
+
+constexpr Step ToDay[] = {{.frame = setting(0x51, 0x03)}, {.frame = setting(0x01, 0x03)}};
+constexpr Step ToNight[] = {{.frame = setting(0x51, 0x03)}, {.frame = setting(0x01, 0x02)}};
+constexpr Step ToAuto[] = {{.frame = setting(0x51, 0x02)}};
+
+constexpr ViscaHabits Habits{
+    .statusFailure = "get dn failed ", .turnToDay = ToDay, .turnToNight = ToNight, .turnToAuto = ToAuto};
 
 constexpr ViscaVideoSystem VideoSystems{
     .ntsc = 0x06, .pal = 0x08, .restart = FramePattern(0xfe, 0x05, 0x03, 0x01, 0x01, 0x0a, 0xff)};
 
 } // namespace
 
-CMD8100SenseController::CMD8100SenseController() : ViscaController(16, Cmd8100) {
-    setSensorConfigVersion(4);
-    setSensorConfigVersion2(3);
-}
+CMD8100SenseController::CMD8100SenseController() : ViscaLensController(16, Description, Habits) {}
 
 CMD8100SenseController::~CMD8100SenseController() { stopDNChangeThread(); }
 
-const ViscaModel& CMD8100SenseController::model() { return Cmd8100; }
+const ModelDescription& CMD8100SenseController::model() { return Description; }
 
 int CMD8100SenseController::initController(int, const ModuleConfigure& configure) {
     if (!bringUpPort(configure, &m_nGeneration))
@@ -233,8 +210,6 @@ int CMD8100SenseController::setSensorVideoSystem(int videoSystem, const VideoRes
 }
 
 int CMD8100SenseController::NotifySensorInitComplate() { return notifyByInquiry(); }
-
-int CMD8100SenseController::getMirrorValue(int& value) { return getParameter(MirrorId, value); }
 
 int CMD8100SenseController::setExposalMode(int mode) {
     static constexpr std::uint8_t Modes[] = {0x00, 0x0a, 0x0b, 0xa0};
@@ -261,23 +236,6 @@ int CMD8100SenseController::setMirror(int mirror) {
     }
     const Commands& commands = m_nGeneration == 4 ? Fourth[mirror] : Common[mirror];
     return send(setting(0x61, V), commands.leftRight) && send(setting(0x66, V), commands.upDown) ? 1 : 0;
-}
-
-int CMD8100SenseController::setFocusMode(int mode) {
-    switch (mode) {
-    case 0:
-        return send(setting(0x38, 0x02)) && send(setting(0x57, 0x02)) ? 1 : 0;
-    case 1:
-        return send(setting(0x38, 0x02)) && send(setting(0x57, 0x00)) ? 1 : 0;
-    case 2:
-        return send(setting(0x38, 0x03));
-    default:
-        return 1;
-    }
-}
-
-int CMD8100SenseController::getFocusMode(int& mode) {
-    return ParameterTable::factoryValue(Cmd8100.parameters, FocusModeId, mode);
 }
 
 int CMD8100SenseController::setDayNightMode(int mode) {

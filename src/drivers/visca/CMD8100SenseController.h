@@ -1,21 +1,21 @@
 #pragma once
 
+#include "controller/ControllerTraits.h"
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/visca/ViscaController.h"
 
 /// The CMD8100 zoom camera block, module 16.
 class SENSORCONTROL_API CMD8100SenseController final
-    : public sensorcontrol::ViscaController<ITrellisZoomSensorController> {
+    : public sensorcontrol::ViscaLensController<ITrellisZoomSensorController> {
 public:
+    static constexpr int ModuleIds[] = {16};
+    static constexpr sensorcontrol::ControllerTraits Traits{.filterOffAtFactory = true};
+
     CMD8100SenseController();
     ~CMD8100SenseController() override;
 
-    static const sensorcontrol::ViscaModel& model();
+    static const sensorcontrol::ModelDescription& model();
 
-    int getMirrorValue(int& value) override;
-    /// 0 automatic after zooming, 1 always automatic, 2 manual; other values do nothing and give 1.
-    int setFocusMode(int mode) override;
-    int getFocusMode(int& mode) override;
     int setSensorVideoSystem(int videoSystem, const VideoResolution& resolution) override;
     int NotifySensorInitComplate() override;
     /// As the base's modes, but 0 too leaves the choice to the block.

@@ -10,17 +10,16 @@
 #include "drivers/visca/ViscaController.h"
 
 #include "controller/DriverServices.h"
-#include "controller/Recorder.h"
 #include "drivers/Exchange.h"
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/ParameterTable.h"
 #include "drivers/PortBringUp.h"
 #include "drivers/visca/ViscaFrames.h"
-#include "drivers/visca/ViscaModel.h"
+#include "drivers/visca/ViscaHabits.h"
 #include "host/BreltoTime.h"
 #include "host/ModuleConfigure.h"
-#include "host/ScopedLock.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace sensorcontrol {
@@ -34,126 +33,86 @@ using visca::setting;
 constexpr int AcknowledgementLength = 3;
 constexpr int RestartSeconds = 20;
 
-bool isAccepted(ISensorController& controller, std::span<const char>, std::span<const char> reply) {
+bool isAccepted(std::span<const char>, std::span<const char> reply) {
     static constexpr char Acknowledgement[] = {'\x90', 0x41, '\xff'};
     static constexpr char Completion[] = {'\x90', 0x51, '\xff'};
-    const int length = static_cast<int>(reply.size());
-    return controller.checkUARTRecv(Acknowledgement, AcknowledgementLength, reply.data(), length) ||
-           controller.checkUARTRecv(Completion, AcknowledgementLength, reply.data(), length);
+    return !std::ranges::search(reply, Acknowledgement).empty() || !std::ranges::search(reply, Completion).empty();
 }
 
-void reportRefusal(ISensorController& controller, const ExchangeRule& rule, int attempt, std::span<const char> command,
-                   std::span<const char> reply) {
-    controller.ErrorPrintf("===send:");
-    controller.recodeArray(command.data(), static_cast<int>(command.size()));
-    controller.ErrorPrintf("===%s(%d times) recv error,recv:0x%x,0x%x,0x%x", rule.name, attempt,
-                           static_cast<unsigned char>(reply[0]), static_cast<unsigned char>(reply[1]),
-                           static_cast<unsigned char>(reply[2]));
+void reportSetting(const SerialLine& line, const ExchangeRule& rule, int number, std::span<const char> command,
+                   const Attempt& failed) {
+    if (failed.outcome != Outcome::Refused) {
+        reportAttempt(line, rule, number, command, failed);
+        return;
+    }
+    const auto byte = [&failed](std::size_t index) { return static_cast<unsigned char>(failed.reply[index]); };
+    line.controller.ErrorPrintf("===send:");
+    line.controller.recodeArray(command.data(), static_cast<int>(command.size()));
+    line.controller.ErrorPrintf("===%s(%d times) recv error,recv:0x%x,0x%x,0x%x", rule.name, number, byte(0), byte(1),
+                                byte(2));
 }
 
-constexpr ExchangeRule InquiryRule{.name = "getParameterValue", .timeout = 4};
+constexpr ExchangeRule InquiryRule{.link = {.timeout = 4}, .name = "getParameterValue"};
 constexpr ExchangeRule SettingRule{
-    .name = "setParameterValue", .timeout = 4, .accepts = isAccepted, .reportRefusal = reportRefusal};
+    .link = {.timeout = 4, .accepts = isAccepted}, .name = "setParameterValue", .report = reportSetting};
 
 } // namespace
 
 template <class Base>
-ViscaController<Base>::ViscaController(int moduleType, const ViscaModel& model) : Base(moduleType), m_Model(model) {
-    ParameterTable::registerIds(*this->m_pIdManager, model.parameters);
-}
-
-template <class Base>
-ViscaController<Base>::~ViscaController() {
-    this->stopDNChangeThread();
-}
-
-template <class Base>
-int ViscaController<Base>::IrisUp() {
-    return send(setting(0x0b, 0x02));
-}
-
-template <class Base>
-int ViscaController<Base>::IrisDown() {
-    return send(setting(0x0b, 0x03));
-}
-
-template <class Base>
-int ViscaController<Base>::FocusUp() {
-    return send(setting(0x08, 0x03));
-}
-
-template <class Base>
-int ViscaController<Base>::FocusDown() {
-    return send(setting(0x08, 0x02));
-}
+ViscaController<Base>::ViscaController(int moduleType, const ModelDescription& model, const ViscaHabits& habits)
+    : PortController<Base>(moduleType, model), m_Habits(habits) {}
 
 template <class Base>
 int ViscaController<Base>::OnePushTrigger() {
-    return send(setting(0x18, 0x01));
-}
-
-template <class Base>
-int ViscaController<Base>::getParameterFromSensor(int id, int& value) {
-    return ParameterTable::get(*this, m_Model.parameters, id, value);
-}
-
-template <class Base>
-int ViscaController<Base>::setParameterToSensor(int id, int value) {
-    return ParameterTable::set(*this, m_Model.parameters, id, value);
+    return this->send(setting(0x18, 0x01));
 }
 
 template <class Base>
 int ViscaController<Base>::getParameterValue(const char* command, int length, char* reply, int replyLength) {
-    return runExchange(InquiryRule, command, length, replyLength, reply);
+    return exchange(this->line(), InquiryRule, command, length, replyLength, reply);
 }
 
 template <class Base>
 int ViscaController<Base>::setParameterValue(const char* command, int length) {
-    return runExchange(SettingRule, command, length, AcknowledgementLength, nullptr);
+    return exchange(this->line(), SettingRule, command, length, AcknowledgementLength);
 }
 
 template <class Base>
-int ViscaController<Base>::runExchange(const ExchangeRule& rule, const char* command, int length, int replyLength,
-                                       char* reply) {
-    const SerialLine line{*this,
-                          *this->m_pUARTController,
-                          this->m_nUartHandle,
-                          this->m_UartMutex,
-                          {this->m_pRecvBuffer.get(), Base::ReceiveBufferSize}};
-    return exchange(line, rule, command, length, replyLength, reply);
+int ViscaController<Base>::inquire(const FramePattern& frame, std::span<char> reply) {
+    std::ranges::fill(reply, '\0');
+    const FramePattern::Frame bytes = frame.build(0);
+    return this->getParameterValue(bytes.data(), static_cast<int>(frame.size()), reply.data(),
+                                   static_cast<int>(reply.size()));
 }
 
 template <class Base>
 int ViscaController<Base>::enterAutoMode() {
-    return turn(m_Model.turnToAuto, infraredFrame(0x00, 0x00));
+    if (m_Habits.autoNotice != nullptr)
+        std::puts(m_Habits.autoNotice);
+    return turn(m_Habits.turnToAuto, infraredFrame(0x00, 0x00));
 }
 
 template <class Base>
 int ViscaController<Base>::turnPictureToNight() {
-    return turn(m_Model.turnToNight, infraredFrame(0x00, 0x01));
+    return turn(m_Habits.turnToNight, infraredFrame(0x00, 0x01));
 }
 
 template <class Base>
 int ViscaController<Base>::turnPictureToDay() {
-    return turn(m_Model.turnToDay, infraredFrame(0x00, 0x02));
+    return turn(m_Habits.turnToDay, infraredFrame(0x00, 0x02));
 }
 
 template <class Base>
-int ViscaController<Base>::turn(std::span<const FramePattern> frames, const FramePattern& infraredBoardFrame) {
-    if (this->m_nInfrared != 0)
-        return send(infraredBoardFrame);
-    for (const FramePattern& frame : frames)
-        if (!send(frame))
-            return 0;
-    return 1;
+int ViscaController<Base>::turn(std::span<const Step> steps, const FramePattern& infraredBoardFrame) {
+    return this->m_nInfrared != 0 ? this->send(infraredBoardFrame)
+                                  : ParameterTable::sendSteps(*this, this->m_Model, steps, 0);
 }
 
 template <class Base>
 int ViscaController<Base>::getDNStatusFromSensor(int& status) {
-    constexpr FramePattern::Frame StateInquiry = inquiry(0x01).build(0);
     char reply[4];
-    if (!this->getParameterValue(StateInquiry.data(), static_cast<int>(inquiry(0x01).size()), reply, sizeof reply)) {
-        this->ErrorPrintf("%s", m_Model.statusFailure);
+    if (!inquire(inquiry(0x01), reply)) {
+        this->ErrorPrintf("%s", m_Habits.statusFailure);
         return 0;
     }
     switch (reply[2]) {
@@ -165,36 +124,27 @@ int ViscaController<Base>::getDNStatusFromSensor(int& status) {
         return 1;
     default:
         this->ErrorPrintf("get daynight value out of range value = %d", static_cast<unsigned char>(reply[2]));
-        drain(); // foreign bytes before the reply leave its tail in the port, and every later inquiry as far off
+        this->drainPort(); // foreign bytes before the reply leave its tail in the port, and every later inquiry as far
+                           // off
         return 0;
     }
 }
 
 template <class Base>
-void ViscaController<Base>::drain() {
-    sensorhost::ScopedLock lock(this->m_UartMutex);
-    this->clearUartBuffer();
-}
-
-template <class Base>
 int ViscaController<Base>::bringUpPort(const ModuleConfigure& configure, int* generation) {
-    std::printf("__%s::init,ModuleConfigure is(%s,%s)\n", m_Model.parameters.className, configure.getDetail().c_str(),
+    std::printf("__%s::init,ModuleConfigure is(%s,%s)\n", this->m_Model.port.startedAs, configure.getDetail().c_str(),
                 configure.getParameters().c_str());
     this->m_bisZoomModule = true; // the block moves its filter itself
 
     ModuleKeys keys(*this, configure);
     std::string deviceName;
-    std::string lineText;
-    if (!keys.parseDetail() || !keys.detail("RS485", deviceName, "get RS232DeviceName from detail failed") ||
-        !keys.detailNumber("isInfrared", this->m_nInfrared, "get isInfrared from detail failed"))
+    if (!this->readDevice(keys, deviceName))
         return 0;
     if (generation != nullptr) {
         keys.detailNumber("generation", *generation, "get generation from detail failed");
         std::printf("m_nGeneration=%d\n", *generation);
     }
-    if (!keys.parseParameters() || !keys.parameter("RS485", lineText, m_Model.portTextFailure))
-        return 0;
-    if (!openPort(*this, *this->m_pUARTController, deviceName, lineText, this->m_nUartHandle))
+    if (!this->openDevice(keys, deviceName))
         return 0;
     this->clearUartBuffer();
     return 1;
@@ -202,10 +152,8 @@ int ViscaController<Base>::bringUpPort(const ModuleConfigure& configure, int* ge
 
 template <class Base>
 int ViscaController<Base>::changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem) {
-    constexpr FramePattern::Frame VideoInquiry = inquiry(0x24, 0x72).build(0);
     char reply[5];
-    if (!this->getParameterValue(VideoInquiry.data(), static_cast<int>(inquiry(0x24, 0x72).size()), reply,
-                                 sizeof reply)) {
+    if (!inquire(inquiry(0x24, 0x72), reply)) {
         this->ErrorPrintf("get sensor video system failed");
         return 0;
     }
@@ -216,22 +164,27 @@ int ViscaController<Base>::changeVideoSystem(const ViscaVideoSystem& rules, int 
         return 1;
     }
     std::printf("set video system,nValue=%d,szRecv[3]=%d\n", wanted, current);
-    if (!send(setting(0x24, 0x72, 0x00, V), wanted))
+    if (!this->send(setting(0x24, 0x72, 0x00, V), wanted))
         return 0;
-    if (sendRaw(rules.restart) != static_cast<int>(rules.restart.size())) {
+    if (this->sendUnanswered(rules.restart) != static_cast<int>(rules.restart.size())) {
         DriverServices::wait(*this, BreltoTime(1, 0));
         return 0;
     }
     std::puts("Restarting sensor");
+    waitForRestart();
+    return 1;
+}
+
+template <class Base>
+void ViscaController<Base>::waitForRestart() {
     DriverServices::waitForRestart(*this, RestartSeconds);
     this->clearUartBuffer();
-    return 1;
 }
 
 template <class Base>
 int ViscaController<Base>::notifyByInquiry() {
     constexpr FramePattern VersionInquiry = inquiry(0x22);
-    const int sent = sendRaw(VersionInquiry);
+    const int sent = this->sendUnanswered(VersionInquiry);
     if (sent == static_cast<int>(VersionInquiry.size()))
         return 1;
     this->ErrorPrintf("send @NotifySensorInitComplate failed,nRet=%d", sent);
@@ -240,28 +193,28 @@ int ViscaController<Base>::notifyByInquiry() {
 }
 
 template <class Base>
-int ViscaController<Base>::send(const FramePattern& frame, int value) {
-    const FramePattern::Frame bytes = frame.build(value);
-    return this->setParameterValue(bytes.data(), static_cast<int>(frame.size()));
+int ViscaLensController<Base>::IrisUp() {
+    return this->send(setting(0x0b, 0x02));
 }
 
 template <class Base>
-int ViscaController<Base>::sendRaw(const FramePattern& frame) {
-    const FramePattern::Frame bytes = frame.build(0);
-    const std::span<const char> command(bytes.data(), frame.size());
-    const int length = static_cast<int>(command.size());
-    const int sent = this->m_pUARTController->send(this->m_nUartHandle, command.data(), length);
-    recorder::frame(command, sent == length ? OperationReport::Answer::NotRead : OperationReport::Answer::PortFailed,
-                    {});
-    return sent;
+int ViscaLensController<Base>::IrisDown() {
+    return this->send(setting(0x0b, 0x03));
 }
 
 template <class Base>
-int ViscaController<Base>::apply(int id, int value) {
-    return ParameterTable::apply(*this, m_Model.parameters, id, value);
+int ViscaLensController<Base>::FocusUp() {
+    return this->send(setting(0x08, 0x03));
+}
+
+template <class Base>
+int ViscaLensController<Base>::FocusDown() {
+    return this->send(setting(0x08, 0x02));
 }
 
 template class ViscaController<ISensorController>;
 template class ViscaController<ITrellisZoomSensorController>;
+template class ViscaLensController<ISensorController>;
+template class ViscaLensController<ITrellisZoomSensorController>;
 
 } // namespace sensorcontrol

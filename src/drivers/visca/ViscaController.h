@@ -1,32 +1,23 @@
 #pragma once
 
-#include "controller/ISensorController.h"
+#include "drivers/PortController.h"
 
 #include <span>
 
 namespace sensorcontrol {
 
-class FramePattern;
-struct ExchangeRule;
-struct ViscaModel;
+struct Step;
+struct ViscaHabits;
 struct ViscaVideoSystem;
 
 /// What all controllers of VISCA-family blocks share, on top of either base class. A model adds its description, the
 /// operations that a table row cannot say, and its start.
 template <class Base>
-class SENSORCONTROL_API ViscaController : public Base {
+class SENSORCONTROL_API ViscaController : public PortController<Base> {
 public:
-    ~ViscaController() override;
-
-    int IrisUp() override;
-    int IrisDown() override;
-    int FocusUp();
-    int FocusDown();
     /// One run of the auto focus.
     int OnePushTrigger();
 
-    int getParameterFromSensor(int id, int& value) override;
-    int setParameterToSensor(int id, int value) override;
     /// Takes any reply of that length; what the bytes mean is the caller's.
     int getParameterValue(const char* command, int length, char* reply, int replyLength) override;
     /// Wants an acknowledgement or a completion within three bytes.
@@ -38,30 +29,44 @@ public:
     int getDNStatusFromSensor(int& status) override;
 
 protected:
-    ViscaController(int moduleType, const ViscaModel& model);
+    ViscaController(int moduleType, const ModelDescription& model, const ViscaHabits& habits);
 
     /// The head of every start: module keys, port, line, drain. `generation` receives the key of that name if it is
     /// not null.
-    int bringUpPort(const ModuleConfigure& configure, int* generation);
+    int bringUpPort(const ModuleConfigure& configure, int* generation = nullptr);
 
     /// Asks for the video system, and on a difference writes it and restarts the block: blocks for 20 seconds then.
     int changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem);
+    /// The last step of a restart: waits until the block is back and empties the port.
+    void waitForRestart();
 
     /// Sends an inquiry whose reply nobody reads: the block takes it as the end of the start.
     int notifyByInquiry();
 
-    int send(const FramePattern& frame, int value = 0);
-    /// Sends without lock, acknowledgement or retry. The bytes that went out.
-    int sendRaw(const FramePattern& frame);
-    /// The setter of another row, for what one setting sends again.
-    int apply(int id, int value);
+    /// One inquiry with a reply of `Length` bytes into a cleared buffer.
+    template <std::size_t Length>
+    int inquire(const FramePattern& frame, char (&reply)[Length]) {
+        return inquire(frame, std::span<char>(reply));
+    }
+    int inquire(const FramePattern& frame, std::span<char> reply);
 
-    const ViscaModel& m_Model;
+    const ViscaHabits& m_Habits;
 
 private:
-    int turn(std::span<const FramePattern> frames, const FramePattern& infraredBoardFrame);
-    void drain();
-    int runExchange(const ExchangeRule& rule, const char* command, int length, int replyLength, char* reply);
+    int turn(std::span<const Step> steps, const FramePattern& infraredBoardFrame);
+};
+
+/// One with a lens that is moved step by step.
+template <class Base>
+class SENSORCONTROL_API ViscaLensController : public ViscaController<Base> {
+public:
+    int IrisUp() override;
+    int IrisDown() override;
+    int FocusUp();
+    int FocusDown();
+
+protected:
+    using ViscaController<Base>::ViscaController;
 };
 
 } // namespace sensorcontrol

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "controller/ISensorController.h"
+
+#include <span>
+
+namespace sensorcontrol {
+
+struct ModelDescription;
+struct Resend;
+
+/// A controller whose parameters stand in a table, on top of either base class.
+template <class Base>
+class SENSORCONTROL_API TableController : public Base {
+public:
+    ~TableController() override;
+
+    int getMirrorValue(int& value) override;
+    int setFocusMode(int mode) override;
+    int getFocusMode(int& mode) override;
+    int getParameterFromSensor(int id, int& value) override;
+    int setParameterToSensor(int id, int value) override;
+
+protected:
+    /// The model must outlive the controller.
+    TableController(int moduleType, const ModelDescription& model);
+
+    /// The setter of another row, for what one setting sends again: without failure text and wait.
+    int apply(int id, int value);
+    /// Sends again what a table says for a value.
+    int resend(std::span<const Resend> then, int value);
+
+    const ModelDescription& m_Model;
+};
+
+} // namespace sensorcontrol

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "drivers/ParameterRow.h"
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+
+/// Tables by difference. What they make is sorted, and proved where it is used.
+namespace sensorcontrol {
+
+template <std::size_t Count>
+using Table = std::array<ParameterRow, Count>;
+
+/// The rows of two tables in id order.
+template <std::size_t First, std::size_t Second>
+constexpr Table<First + Second> joined(const Table<First>& first, const Table<Second>& second) {
+    Table<First + Second> rows{};
+    std::ranges::merge(first, second, rows.begin(), {}, &ParameterRow::id, &ParameterRow::id);
+    return rows;
+}
+
+/// The table with the rows of the ids of `changes` as they stand there. An id that the table has not is an error.
+template <std::size_t Count, std::size_t Changes>
+consteval Table<Count> replaced(Table<Count> rows, const Table<Changes>& changes) {
+    for (const ParameterRow& change : changes) {
+        ParameterRow* row = std::ranges::find(rows, change.id, &ParameterRow::id);
+        *row = change; // beyond the end no constant comes about
+    }
+    return rows;
+}
+
+/// The table without the rows of these ids. An id that it has not is an error.
+template <int... Ids, std::size_t Count>
+consteval Table<Count - sizeof...(Ids)> without(const Table<Count>& rows) {
+    Table<Count - sizeof...(Ids)> rest{};
+    std::size_t kept = 0;
+    for (const ParameterRow& row : rows)
+        if (((row.id != Ids) && ...))
+            rest.at(kept++) = row;
+    if (kept != rest.size())
+        throw "an id that the table has not";
+    return rest;
+}
+
+/// The table with the rows of these ids registered as another kind.
+template <std::size_t Count>
+consteval Table<Count> withKind(Table<Count> rows, std::initializer_list<int> ids, IdManager::Kind kind) {
+    for (const int id : ids) {
+        ParameterRow* row = std::ranges::find(rows, id, &ParameterRow::id);
+        row->kind = kind;
+    }
+    return rows;
+}
+
+/// The table with none of its rows registered: its ids are served, but never remembered or saved.
+template <std::size_t Count>
+consteval Table<Count> unregistered(Table<Count> rows) {
+    for (ParameterRow& row : rows)
+        row.kind = IdManager::Unknown;
+    return rows;
+}
+
+} // namespace sensorcontrol
