@@ -26,9 +26,9 @@ protected:
     TableController(int moduleType, const ModelDescription& model);
 
     /// The setter of another row, for what one setting sends again: without failure text and wait.
-    int apply(int id, int value);
+    SENSORCONTROL_LOCAL int apply(int id, int value);
     /// Sends again what a table says for a value.
-    int resend(std::span<const Resend> then, int value);
+    SENSORCONTROL_LOCAL int resend(std::span<const Resend> then, int value);
 
     const ModelDescription& m_Model;
 };

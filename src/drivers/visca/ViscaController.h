@@ -33,27 +33,27 @@ protected:
 
     /// The head of every start: module keys, port, line, drain. `generation` receives the key of that name if it is
     /// not null.
-    int bringUpPort(const ModuleConfigure& configure, int* generation = nullptr);
+    SENSORCONTROL_LOCAL int bringUpPort(const ModuleConfigure& configure, int* generation = nullptr);
 
     /// Asks for the video system, and on a difference writes it and restarts the block: blocks for 20 seconds then.
-    int changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem);
+    SENSORCONTROL_LOCAL int changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem);
     /// The last step of a restart: waits until the block is back and empties the port.
-    void waitForRestart();
+    SENSORCONTROL_LOCAL void waitForRestart();
 
     /// Sends an inquiry whose reply nobody reads: the block takes it as the end of the start.
-    int notifyByInquiry();
+    SENSORCONTROL_LOCAL int notifyByInquiry();
 
     /// One inquiry with a reply of `Length` bytes into a cleared buffer.
     template <std::size_t Length>
     int inquire(const FramePattern& frame, char (&reply)[Length]) {
         return inquire(frame, std::span<char>(reply));
     }
-    int inquire(const FramePattern& frame, std::span<char> reply);
+    SENSORCONTROL_LOCAL int inquire(const FramePattern& frame, std::span<char> reply);
 
     const ViscaHabits& m_Habits;
 
 private:
-    int turn(std::span<const Step> steps, const FramePattern& infraredBoardFrame);
+    SENSORCONTROL_LOCAL int turn(std::span<const Step> steps, const FramePattern& infraredBoardFrame);
 };
 
 /// One with a lens that is moved step by step.
