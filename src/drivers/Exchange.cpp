@@ -67,6 +67,13 @@ bool isSumRight(std::span<const char>, std::span<const char> reply) {
     return !reply.empty() && (sum & 0xffU) == static_cast<unsigned char>(reply.back());
 }
 
+bool isExchangeable(const SerialLine& line, const char* name, int length, int asked) {
+    if (length >= 0 && asked >= 0 && static_cast<std::size_t>(asked) <= line.buffer.size())
+        return true;
+    line.controller.ErrorPrintf("===%s: a command of %d bytes and a reply of %d are refused", name, length, asked);
+    return false;
+}
+
 Attempt attempt(const SerialLine& line, const Link& link, std::span<const char> command, int asked) {
     const Attempt made = tryOnce(line, link, command, asked);
     const Answer answer = answerOf(made);
@@ -76,12 +83,8 @@ Attempt attempt(const SerialLine& line, const Link& link, std::span<const char> 
 }
 
 int exchange(const SerialLine& line, const ExchangeRule& rule, const char* bytes, int length, int asked, char* reply) {
-    // A port's -1 would pass for all of -1 bytes.
-    if (length < 0 || asked < 0 || static_cast<std::size_t>(asked) > line.buffer.size()) {
-        line.controller.ErrorPrintf("===%s: a command of %d bytes and a reply of %d are refused", rule.name, length,
-                                    asked);
+    if (!isExchangeable(line, rule.name, length, asked))
         return 0;
-    }
     const std::span<const char> command(bytes, static_cast<std::size_t>(length));
     const recorder::LogOnly framesTellIt;
     sensorhost::ScopedLock lock(line.mutex);

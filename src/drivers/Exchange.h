@@ -51,6 +51,10 @@ struct Attempt {
     std::span<const char> reply; ///< in the line's buffer; what came of it
 };
 
+/// Whether a command and a reply of these lengths can be exchanged; the log hears of those that can not. A port's -1
+/// would pass for all of -1 bytes.
+bool isExchangeable(const SerialLine& line, const char* name, int length, int asked);
+
 /// Makes one try and says nothing of it. The caller holds the line's mutex. Blocks for the reply or the timeouts.
 Attempt attempt(const SerialLine& line, const Link& link, std::span<const char> command, int asked);
 

@@ -4,6 +4,7 @@
 #include "drivers/ParameterTable.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
+#include "drivers/visca/SONYEH4300SenseController.h"
 
 #include <algorithm>
 #include <array>
@@ -58,8 +59,7 @@ consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
     return rows;
 }
 
-constexpr auto Rows = catalogue<BreltoISPSenseController, CMD8100SenseController>({
-    {11, {.filterOffAtFactory = true}},
+constexpr auto Rows = catalogue<BreltoISPSenseController, CMD8100SenseController, SONYEH4300SenseController>({
     {17, {.isParameterAccessClosed = true}},
     {19, {.filterOffAtFactory = true}},
     {21, {.edgesOffWithFilter = true}},

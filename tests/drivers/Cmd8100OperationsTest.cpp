@@ -22,29 +22,6 @@ protected:
     }
 };
 
-TEST_F(Cmd8100Operations, DayAndNightGoToTheBlockOrToItsInfraredBoard) {
-    start(0);
-    const auto night = [&] { return controller().turnPictureToNight(); };
-    const auto day = [&] { return controller().turnPictureToDay(); };
-    const auto automatic = [&] { return controller().enterAutoMode(); };
-    EXPECT_EQ(outcome(night), (Outcome{1, "81 01 04 51 03 FF | 81 01 04 01 02 FF", ""}));
-    EXPECT_EQ(outcome(day), (Outcome{1, "81 01 04 51 03 FF | 81 01 04 01 03 FF", ""}));
-    EXPECT_EQ(outcome(automatic), (Outcome{1, "81 01 04 51 02 FF", ""}));
-    m_pPort->addFault("refuse@1-3,refuse@5-7");
-    EXPECT_EQ(outcome(night).frames, times(3, "81 01 04 51 03 FF"));
-    const Outcome failed = outcome(day);
-    EXPECT_EQ(failed.result, 0);
-    EXPECT_EQ(failed.frames, "81 01 04 51 03 FF | " + times(3, "81 01 04 01 03 FF"));
-    for (const int infrared : {1, 2, -1}) {
-        start(infrared);
-        EXPECT_EQ(outcome(night), (Outcome{1, "FE 01 1E 02 00 01 22 FF", ""})) << infrared;
-        EXPECT_EQ(outcome(day), (Outcome{1, "FE 01 1E 02 00 02 23 FF", ""})) << infrared;
-        EXPECT_EQ(outcome(automatic), (Outcome{1, "FE 01 1E 02 00 00 21 FF", ""})) << infrared;
-    }
-    m_pPort->addFault("refuse@1-3");
-    EXPECT_EQ(outcome(automatic).result, 0);
-}
-
 TEST_F(Cmd8100Operations, StatusIsDayOrNightOrRefused) {
     start(1);
     const std::string inquiry = "81 09 04 01 FF";
@@ -125,55 +102,6 @@ TEST_F(Cmd8100Operations, NotificationIsSentRawAndItsReplyCostsTheNextSettingATr
     EXPECT_EQ(failed, (Outcome{0, "81 09 04 22 FF", "send @NotifySensorInitComplate failed,nRet=4"}));
     EXPECT_NEAR(failed.seconds, 1, 1e-6);
     EXPECT_EQ(outcome(notify).log, "send @NotifySensorInitComplate failed,nRet=0");
-}
-
-TEST_F(Cmd8100Operations, MaskOperationsNeedARegion) {
-    static constexpr struct {
-        int id;
-        const char* frame; ///< for region 5
-        const char* failure;
-    } Operations[] = {{66, "A1 01 05 FF", "setMask failed"},       {67, "A1 04 05 FF", "showMask failed"},
-                      {68, "A1 05 05 FF", "hideMask failed"},      {69, "A1 06 05 FF", "clearMask failed"},
-                      {71, "A1 20 01 FF", "increaseWidth failed"}, {72, "A1 20 02 FF", "decreaseWidth failed"},
-                      {73, "A1 20 03 FF", "increaseHight failed"}, {74, "A1 20 04 FF", "decreaseHight failed"}};
-    start();
-    for (const auto& operation : Operations)
-        EXPECT_EQ(set(operation.id, 9), (Outcome{0, "", "0==m_nRegion"})) << operation.id;
-    EXPECT_EQ(set(70, 9), (Outcome{1, "A1 07 00 FF", ""})) << "all masks need no region";
-
-    EXPECT_EQ(set(65, 5), (Outcome{1, "A1 00 05 FF", ""}));
-    int value = 77;
-    EXPECT_EQ(controller().getParameterFromSensor(65, value), 1);
-    EXPECT_EQ(value, 0) << "never read back";
-    for (const auto& operation : Operations)
-        EXPECT_EQ(set(operation.id, 9), (Outcome{1, operation.frame, ""})) << operation.id;
-    EXPECT_EQ(set(70, 9), (Outcome{1, "A1 07 05 FF", ""}));
-
-    m_pPort->addFault("silence@every");
-    for (const auto& operation : Operations) {
-        const Outcome silent = set(operation.id, 9);
-        EXPECT_EQ(silent.frames, times(3, operation.frame));
-        EXPECT_TRUE(silent.log.ends_with(std::string("===recv(0): | ") + operation.failure)) << silent;
-    }
-    EXPECT_TRUE(set(70, 9).log.ends_with(" | clearAllMask failed"));
-    EXPECT_TRUE(set(65, 6).log.ends_with(" | setRegion failed"));
-    m_pPort->clearFaults();
-    EXPECT_EQ(set(66, 0).frames, "A1 01 05 FF") << "the old region stands";
-    EXPECT_EQ(set(65, 0), (Outcome{1, "", ""}));
-    EXPECT_EQ(set(66, 0), (Outcome{0, "", "0==m_nRegion"}));
-}
-
-TEST_F(Cmd8100Operations, ARegionSetDuringTheStartIsOnlyRemembered) {
-    create();
-    m_pPort->takeSent();
-    EXPECT_EQ(block().setRegion(5), 1);
-    EXPECT_TRUE(m_pPort->takeSent().empty());
-    EXPECT_EQ(block().setMask(), 1);
-    EXPECT_EQ(m_pPort->takeSent(), std::vector<std::string>{"A1 01 05 FF"});
-    // Without stored values to go by, a mode is sent and then fails.
-    EXPECT_EQ(block().setExposalMode(2), 0);
-    EXPECT_EQ(m_pPort->takeSent(), std::vector<std::string>{"81 01 04 39 0B FF"});
-    EXPECT_EQ(block().setExposalMode(3), 1);
 }
 
 TEST_F(Cmd8100Operations, ARefusedBrightnessSwitchDoesNotEndTheStart) {

@@ -243,15 +243,3 @@ int CMD8100SenseController::setDayNightMode(int mode) {
     reInitDelayStartTime();
     return 1;
 }
-
-void CMD8100_TOOL::printArray(const char* bytes, int length) {
-    for (int i = 0; i < length; ++i)
-        std::printf("0x%02x\t", static_cast<unsigned char>(bytes[i]));
-    std::puts("");
-}
-
-void CMD8100_TOOL::printIntArray(const int* values, int length) {
-    for (int i = 0; i < length; ++i)
-        std::printf("0x%02x\t", static_cast<unsigned int>(values[i]));
-    std::puts("");
-}

@@ -2,6 +2,7 @@
 
 #include "controller/ControllerTraits.h"
 #include "drivers/ITrellisZoomSensorController.h"
+#include "drivers/visca/ConsolePrints.h"
 #include "drivers/visca/ViscaController.h"
 
 /// The CMD8100 zoom camera block, module 16.
@@ -34,8 +35,7 @@ private:
 
 namespace CMD8100_TOOL {
 
-/// Prints bytes, or numbers, as hex on the console.
-SENSORCONTROL_API void printArray(const char* bytes, int length);
-SENSORCONTROL_API void printIntArray(const int* values, int length);
+using sensorcontrol::visca::printArray;
+using sensorcontrol::visca::printIntArray;
 
 } // namespace CMD8100_TOOL
