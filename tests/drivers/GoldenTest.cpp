@@ -1,7 +1,6 @@
 // Walks the golden texts: what each model sends for which value, typed from its manual and not from its driver.
 // tests/golden/README.md tells the lines.
 
-#include "controller/ControllerObserver.h"
 #include "controller/SenseControllerFactory.h"
 #include "drivers/GoldenPort.h"
 #include "drivers/visca/SONYEH6300SenseController.h"
@@ -10,6 +9,7 @@
 #include "host/linux/HostSettings.h"
 #include "host/linux/MemoryGpio.h"
 #include "host/linux/SimulatedClock.h"
+#include "support/OpenController.h"
 #include "support/TempRoot.h"
 
 #include <algorithm>
@@ -30,36 +30,6 @@ namespace {
 
 using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStdout;
-
-/// The state of the base class that a golden line may set.
-struct Peek : ISensorController {
-    static constexpr auto Status = &Peek::m_SensorStatus;
-    static constexpr auto CurrentCache = &Peek::m_pCurrentCache;
-    static constexpr auto LastCache = &Peek::m_pLastCache;
-    static constexpr auto Inited = &Peek::m_bisInited;
-    static constexpr auto Infrared = &Peek::m_nInfrared;
-    static constexpr auto NewInfrared = &Peek::m_bNewInfrared;
-    static constexpr auto DayNight = &Peek::m_nDNState;
-    static constexpr auto InfraredMode = &Peek::m_nInfraredMode;
-};
-
-/// The lines of the error log that the test's own thread caused, joined by " | ".
-class LogKeeper final : public sensorcontrol::ControllerObserver {
-public:
-    void onLogLine(Log log, const char* text) override {
-        if (log != Log::Error || std::this_thread::get_id() != m_Owner)
-            return;
-        std::string line = text;
-        if (line.ends_with('\n'))
-            line.pop_back();
-        m_strLines += (m_strLines.empty() ? "" : " | ") + line;
-    }
-    std::string take() { return std::exchange(m_strLines, {}); }
-
-private:
-    const std::thread::id m_Owner = std::this_thread::get_id();
-    std::string m_strLines;
-};
 
 struct Line {
     std::string source; ///< file and line
