@@ -2,6 +2,7 @@
 
 #include "simulator/Cmd8100Block.h"
 
+#include <algorithm>
 #include <array>
 
 namespace camerasim {
@@ -14,20 +15,43 @@ std::unique_ptr<CameraBlock> make(const BlockSettings& settings) {
 }
 
 constexpr auto Entries = std::to_array<BlockEntry>({
-    {.moduleId = 16, .name = "cmd8100", .baud = 9600, .make = &make<Cmd8100Block>},
+    {.moduleId = 16,
+     .name = "cmd8100",
+     .portKey = "RS485",
+     .detail = "isInfrared=0;generation=3",
+     .make = &make<Cmd8100Block>},
 });
 
 } // namespace
 
 std::span<const BlockEntry> blockEntries() { return Entries; }
 
+const BlockEntry* findBlock(int moduleId) {
+    const auto found = std::find_if(Entries.begin(), Entries.end(), [moduleId](const BlockEntry& entry) {
+        return entry.moduleId == moduleId && moduleId != BlockEntry::NoModule;
+    });
+    return found != Entries.end() ? &*found : nullptr;
+}
+
+const BlockEntry* findBlock(std::string_view name) {
+    const auto found =
+        std::find_if(Entries.begin(), Entries.end(), [name](const BlockEntry& entry) { return entry.name == name; });
+    return found != Entries.end() ? &*found : nullptr;
+}
+
 std::unique_ptr<CameraBlock> makeBlock(int moduleId, const BlockSettings& settings) {
-    for (const BlockEntry& entry : Entries) {
-        if (entry.moduleId == moduleId) {
-            return entry.make(settings);
-        }
-    }
-    return nullptr;
+    const BlockEntry* const entry = findBlock(moduleId);
+    return entry != nullptr ? entry->make(settings) : nullptr;
+}
+
+std::unique_ptr<CameraBlock> makeBlock(std::string_view name, const BlockSettings& settings) {
+    const BlockEntry* const entry = findBlock(name);
+    return entry != nullptr ? entry->make(settings) : nullptr;
+}
+
+std::unique_ptr<CameraBlock> makeCompanion(int moduleId, const BlockSettings& settings) {
+    const BlockEntry* const entry = findBlock(moduleId);
+    return entry != nullptr && entry->makeCompanion != nullptr ? entry->makeCompanion(settings) : nullptr;
 }
 
 } // namespace camerasim

@@ -7,6 +7,8 @@ namespace camerasim {
 namespace {
 
 constexpr std::size_t LoggedFrames = 4096;
+constexpr double DarkLux = 0.2;
+constexpr double DuskLux = 20;
 
 } // namespace
 
@@ -94,9 +96,13 @@ std::optional<std::uint32_t> CameraBlock::registerValue(std::string_view name) c
     return std::nullopt;
 }
 
-void CameraBlock::setAmbient(Ambient ambient) {
-    if (m_Ambient != ambient) {
-        m_Ambient = ambient;
+void CameraBlock::setAmbient(Ambient ambient) { setLight(ambient == Ambient::Dark ? DarkLux : LitLux, ambient); }
+
+void CameraBlock::setLight(double lux, std::optional<Ambient> ambient) {
+    const Ambient seen = ambient.value_or(lux < DuskLux ? Ambient::Dark : Ambient::Light);
+    m_dLux = lux;
+    if (m_Ambient != seen) {
+        m_Ambient = seen;
         ambientChanged();
     }
 }
@@ -104,7 +110,7 @@ void CameraBlock::setAmbient(Ambient ambient) {
 void CameraBlock::reboot(std::int64_t now, bool loseState) {
     m_bPower = true;
     resetRegisters(loseState);
-    startBoot(now);
+    goSilent(now, m_Settings.bootTime);
 }
 
 void CameraBlock::pressPowerButton(std::int64_t now) {
@@ -133,6 +139,28 @@ void CameraBlock::clearReceived() {
     m_nDropped = 0;
 }
 
+std::size_t CameraBlock::frameLength(std::span<const std::uint8_t> bytes) const {
+    std::size_t garbage = 0;
+    while (garbage < bytes.size()) {
+        const Cut found = cut(bytes.subspan(garbage));
+        if (found.kind != Cut::Kind::Garbage && garbage > 0) {
+            return garbage;
+        }
+        if (found.kind == Cut::Kind::Frame) {
+            return found.length;
+        }
+        if (found.kind == Cut::Kind::Unfinished) {
+            break;
+        }
+        garbage += std::clamp<std::size_t>(found.length, 1, bytes.size() - garbage);
+    }
+    return bytes.size();
+}
+
+bool CameraBlock::startsWithFrame(std::span<const std::uint8_t> bytes) const {
+    return !bytes.empty() && cut(bytes).kind == Cut::Kind::Frame;
+}
+
 void CameraBlock::reply(std::span<const std::uint8_t> bytes, std::int64_t extraDelay) {
     if (m_pReplies != nullptr) {
         WireFrame& made = m_pReplies->emplace_back();
@@ -148,9 +176,9 @@ void CameraBlock::dropHead(std::size_t count) {
     m_nDropped += count;
 }
 
-void CameraBlock::startBoot(std::int64_t now) {
+void CameraBlock::goSilent(std::int64_t now, std::int64_t duration) {
     dropHead(m_Input.length);
-    m_nUpAt = now + m_Settings.bootTime;
+    m_nUpAt = now + duration;
     ++m_nPowerChanges;
 }
 

@@ -22,6 +22,9 @@ struct RegisterState {
     bool persistent = true;
 };
 
+/// The picture of a block: in colour by day, black and white and sensitive to infrared by night.
+enum class Picture { Day, Night };
+
 /// A simulated camera block, seen from its serial line: it takes bytes, keeps registers and makes replies.
 ///
 /// It reads no clock: every call that needs the time is given it, in microseconds. It has no lock: InProcessLine and
@@ -60,9 +63,28 @@ public:
     /// Every register, in address order.
     virtual std::vector<RegisterState> registers() const = 0;
 
-    /// Changes the light at the block's sensor; its day/night report follows while it decides for itself.
+    /// The picture in force, whether the host commanded it or the block chose it.
+    virtual Picture picture() const = 0;
+    /// Whether the block goes by the light at its own sensor; otherwise the host commands the picture.
+    virtual bool decidesDayNight() const = 0;
+    /// Whether the block moves its infrared filter with the picture; otherwise that is the host's.
+    virtual bool movesFilter() const { return true; }
+    /// Percent of power at which its lamps are lit; nothing if it has none.
+    virtual std::optional<int> lamps() const { return std::nullopt; }
+    /// Video system in force: "PAL", "NTSC", or a text of the model's own; empty if the block has none.
+    virtual std::string videoSystem() const { return {}; }
+    /// Puts the block into a video system as if it had come up in it; false if it does not know the text.
+    virtual bool setVideoSystem(std::string_view) { return false; }
+
+    /// Lets it be light (300 lux) or dark (0.2 lux) at the block's sensor. Its day/night report follows while it
+    /// decides for itself, its gain or light index in any case.
     void setAmbient(Ambient ambient);
+    /// The same for any light in lux, at least 0. Whether the block's own sensor takes it for light may be told;
+    /// otherwise it is dark below 20 lux.
+    void setLight(double lux, std::optional<Ambient> ambient = std::nullopt);
     Ambient ambient() const { return m_Ambient; }
+    double light() const { return m_dLux; }
+
     /// Restarts the block: silent for the boot time, unanswered commands forgotten. With loss of state every register
     /// returns to its factory value, otherwise only the volatile ones do.
     void reboot(std::int64_t now, bool loseState);
@@ -79,8 +101,20 @@ public:
     std::uint64_t droppedBytes() const { return m_nDropped; }
     /// Forgets the frames received and the dropped count.
     void clearReceived();
-    /// Human meaning of a frame of the host, for example "brightness 07" or "inquiry day/night".
+    /// Human meaning of a frame of the host, for example "brightness 07" or "inquiry day/night". Never empty.
     virtual std::string describe(std::span<const std::uint8_t> frame) const = 0;
+    /// The same for a frame of the block, or a part of one; `command` is what the host sent last, maybe nothing.
+    virtual std::string describeReply(std::span<const std::uint8_t> reply,
+                                      std::span<const std::uint8_t> command) const = 0;
+    /// Length of the frame at the head of bytes of the host; of the run that belongs to no frame; or all of them, if
+    /// the frame has no end.
+    std::size_t frameLength(std::span<const std::uint8_t> bytes) const;
+    /// Whether a whole frame of the host stands at the head of the bytes.
+    bool startsWithFrame(std::span<const std::uint8_t> bytes) const;
+    /// As frameLength, for bytes (at least one) of the block.
+    virtual std::size_t replyLength(std::span<const std::uint8_t> bytes) const = 0;
+    /// Whether bytes of unknown origin look like the block's rather than the host's.
+    virtual bool isReply(std::span<const std::uint8_t> bytes) const = 0;
 
     BlockSettings& settings() { return m_Settings; }
     const BlockSettings& settings() const { return m_Settings; }
@@ -101,13 +135,16 @@ protected:
     /// Registers after a start: all of them with `loseState`, otherwise the volatile ones.
     virtual void resetRegisters(bool loseState) = 0;
     virtual void ambientChanged() {}
+    /// Leaves the line silent for so long, for a restart that is not the whole block's.
+    void goSilent(std::int64_t now, std::int64_t duration);
 
     /// For executeFrame and refuseFrame: adds a reply, due the reaction time and `extraDelay` after the command.
     void reply(std::span<const std::uint8_t> bytes, std::int64_t extraDelay = 0);
 
 private:
+    static constexpr double LitLux = 300;
+
     void dropHead(std::size_t count);
-    void startBoot(std::int64_t now);
 
     BlockSettings m_Settings;
     WireFrame m_Input;
@@ -118,6 +155,7 @@ private:
     std::int64_t m_nUpAt = 0;
     bool m_bPower = true;
     Ambient m_Ambient = Ambient::Light;
+    double m_dLux = LitLux;
     unsigned m_nPowerChanges = 0;
     std::vector<WireFrame> m_Log;
     std::uint64_t m_nReceived = 0;

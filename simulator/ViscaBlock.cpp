@@ -2,79 +2,58 @@
 //
 //   81 01 04 4E 00 00 00 07 FF   set register 4E; answered 90 41 FF, by habit followed or replaced by 90 51 FF
 //   81 09 04 01 FF               inquiry; answered 90 50 02 FF, one byte or one nibble a byte
+//   81 01 04 19 03 FF            restart, where the model has it; answered 90 41 FF before it boots
+//   81 01 7F 7F 02 0B 04 09 03 00 FF   set register 0409 of page 0B to 30, where the model has pages; 90 41 FF
+//   81 09 7F 7F 01 0B 04 09 FF   inquiry of the same; answered 90 50 00 00 03 00 FF
 //   FE 01 1E 02 06 32 59 FF      infrared board: selector 06, value 32, sum of the five bytes before; answered 90 41 FF
 //   FE 05 03 01 01 0A FF         restart, never answered
 //   A1 04 03 FF                  mask unit, answered by its own bytes
 //   MENUON                       stops pan and tilt; six characters without a terminator, never answered
 //
-// Errors are answered 90 60 02 FF (the frame makes no sense) or 90 61 41 FF (no such register). The infrared board
-// answers nothing to a wrong sum. A header byte 81 never occurs inside a command, so it always starts a new one: that
-// is what lets a repeated command through after one that was cut off.
+// Errors are answered 90 60 02 FF (the frame makes no sense) or 90 61 41 FF (no such register). The low digit of 41, 51
+// and 61 is the model's socket. The infrared board answers nothing to a wrong sum. A header byte 81 never occurs inside
+// a command, so it always starts a new one: that is what lets a repeated command through after one that was cut off.
 #include "simulator/ViscaBlock.h"
+
+#include "simulator/ViscaWire.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <numeric>
+#include <cmath>
 
 namespace camerasim {
 
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
+using namespace visca;
 
-constexpr std::uint8_t CommandHeader = 0x81;
-constexpr std::uint8_t PrivateHeader = 0xfe;
-constexpr std::uint8_t MaskHeader = 0xa1;
-constexpr std::uint8_t Terminator = 0xff;
-constexpr std::size_t LongestCommand = 16;
-constexpr std::string_view PanTiltStop = "MENUON";
+/// The gain that automatic exposure takes: a step for every 2 dB below `FullLux`.
+constexpr double FullLux = 50;
+constexpr double StepsPerHalving = 3;
+constexpr std::uint32_t LeastGain = 1;
+constexpr std::uint32_t MostGain = 15;
+constexpr std::uint32_t ExposureModeRegister = 0x39;
+constexpr std::uint32_t GainLimitRegister = 0x2c;
+constexpr std::uint32_t ManualExposure = 0x03;
 
-constexpr std::uint32_t DayNightRegister = 0x01;
-constexpr std::uint32_t DayNightModeRegister = 0x51;
-constexpr std::uint32_t PrivateDayNightRegister = 0xfe00;
-constexpr std::uint32_t VersionRegister = 0x22;
-constexpr std::uint32_t MaskRegister = 0xa100;
-constexpr std::uint32_t InForceOffset = 0x10000;
-
-constexpr std::uint8_t ModeAutomatic = 0x02;
-constexpr std::uint8_t ModeManual = 0x03;
-constexpr std::uint8_t StateNight = 0x02;
-constexpr std::uint8_t StateDay = 0x03;
-
-/// Compares what has come with the fixed beginning of a frame, as far as both reach.
-bool startsLike(Bytes bytes, Bytes start) {
-    const std::size_t common = std::min(bytes.size(), start.size());
-    return std::equal(start.begin(), start.begin() + static_cast<std::ptrdiff_t>(common), bytes.begin());
-}
-
-/// The sum byte stands before the terminator and covers everything between it and the header.
-bool sumIsRight(Bytes frame) {
-    const Bytes summed = frame.subspan(1, frame.size() - 3);
-    return static_cast<std::uint8_t>(std::accumulate(summed.begin(), summed.end(), 0U)) == frame[frame.size() - 2];
-}
-
-bool isPrivateRestart(Bytes frame) { return frame[0] == PrivateHeader && frame[1] == 0x05; }
-
-std::uint32_t valueOf(Bytes payload) {
-    if (payload.size() == 1) {
-        return payload[0];
+bool isInFields(const ViscaRegister& row, std::uint32_t value) {
+    std::uint32_t rest = value;
+    for (const ViscaField& field : row.fields) {
+        const std::uint32_t part = field.of(value);
+        if (part < field.first || part > field.last) {
+            return false;
+        }
+        rest &= ~(field.mask() << field.shift);
     }
-    std::uint32_t value = 0;
-    for (const std::uint8_t nibble : payload) {
-        value = value << 4 | (nibble & 0x0fU);
+    return rest == 0;
+}
+
+bool accepts(const ViscaRegister& row, std::uint32_t value) {
+    if (!row.fields.empty()) {
+        return isInFields(row, value);
     }
-    return value;
-}
-
-bool nibblesOnly(Bytes payload) {
-    return payload.size() == 1 || std::all_of(payload.begin(), payload.end(), [](std::uint8_t b) { return b < 0x10; });
-}
-
-std::string hex(std::uint32_t value, int digits = 2) {
-    std::array<char, 12> text{};
-    std::snprintf(text.data(), text.size(), "%0*X", digits, value);
-    return text.data();
+    return row.listed.empty() ? value >= row.first && value <= row.last
+                              : std::find(row.listed.begin(), row.listed.end(), value) != row.listed.end();
 }
 
 } // namespace
@@ -105,13 +84,41 @@ std::size_t ViscaBlock::indexOfCommand(Bytes payload, std::size_t& codeLength) c
     return index;
 }
 
-std::optional<std::uint32_t> ViscaBlock::registerValue(std::uint32_t address) const {
-    if (const std::size_t index = indexOf(address); index < m_Values.size()) {
+std::uint32_t ViscaBlock::inForce(std::size_t index) const {
+    if (!m_Model.registers[index].metered) {
+        return m_InForce[index];
+    }
+    const auto of = [this](std::uint32_t code, std::uint32_t otherwise) {
+        return indexOf(code) < m_Values.size() ? m_Values[indexOf(code)] : otherwise;
+    };
+    if (of(ExposureModeRegister, 0) == ManualExposure) {
         return m_Values[index];
     }
-    if (const std::size_t index = indexOf(address - InForceOffset);
-        index < m_Values.size() && m_Model.registers[index].atRestart) {
-        return m_InForce[index];
+    const double steps = StepsPerHalving * std::log2(FullLux / std::clamp(light(), 1e-3, FullLux));
+    return std::min(LeastGain + static_cast<std::uint32_t>(steps), of(GainLimitRegister, MostGain));
+}
+
+bool ViscaBlock::hasInForce(std::size_t index) const {
+    return index < m_Values.size() && (m_Model.registers[index].atRestart || m_Model.registers[index].metered);
+}
+
+const ViscaField* ViscaBlock::fieldAt(std::uint32_t address, std::size_t& index) const {
+    index = indexOf((address - FieldOffset) / FieldsPerRegister);
+    const std::size_t number = address % FieldsPerRegister;
+    const bool isField = index < m_Values.size() && number < m_Model.registers[index].fields.size();
+    return isField ? &m_Model.registers[index].fields[number] : nullptr;
+}
+
+std::optional<std::uint32_t> ViscaBlock::registerValue(std::uint32_t address) const {
+    std::size_t index = indexOf(address);
+    if (index < m_Values.size()) {
+        return m_Values[index];
+    }
+    if (hasInForce(indexOf(address - InForceOffset))) {
+        return inForce(indexOf(address - InForceOffset));
+    }
+    if (const ViscaField* field = fieldAt(address, index)) {
+        return field->of(m_Values[index]);
     }
     if (m_Model.hasMaskUnit && address >= MaskRegister && address <= MaskRegister + 0xff) {
         const int region = static_cast<int>(address - MaskRegister);
@@ -121,13 +128,17 @@ std::optional<std::uint32_t> ViscaBlock::registerValue(std::uint32_t address) co
 }
 
 bool ViscaBlock::setRegister(std::uint32_t address, std::uint32_t value) {
-    if (const std::size_t index = indexOf(address); index < m_Values.size()) {
+    std::size_t index = indexOf(address);
+    if (index < m_Values.size()) {
         store(index, value);
         return true;
     }
-    if (const std::size_t index = indexOf(address - InForceOffset);
-        index < m_Values.size() && m_Model.registers[index].atRestart) {
-        m_InForce[index] = value;
+    if (hasInForce(indexOf(address - InForceOffset))) {
+        m_InForce[indexOf(address - InForceOffset)] = value;
+        return true;
+    }
+    if (const ViscaField* field = fieldAt(address, index)) {
+        store(index, field->with(m_Values[index], value));
         return true;
     }
     if (m_Model.hasMaskUnit && address >= MaskRegister && address <= MaskRegister + 0xff) {
@@ -147,9 +158,15 @@ std::vector<RegisterState> ViscaBlock::registers() const {
     for (std::size_t i = 0; i < m_Values.size(); ++i) {
         const ViscaRegister& row = m_Model.registers[i];
         states.push_back({row.code, std::string(row.name), m_Values[i], row.persistent});
-        if (row.atRestart) {
-            states.push_back(
-                {row.code + InForceOffset, std::string(row.name) + " in force", m_InForce[i], row.persistent});
+        if (hasInForce(i)) {
+            states.push_back({row.code + InForceOffset, std::string(row.name) + " in force", inForce(i),
+                              row.persistent && row.atRestart});
+        }
+        // Views of the register, which is what a state keeps.
+        for (std::uint32_t number = 0; number < row.fields.size(); ++number) {
+            const ViscaField& field = row.fields[number];
+            states.push_back({FieldOffset + row.code * FieldsPerRegister + number, std::string(field.name),
+                              field.of(m_Values[i]), false});
         }
     }
     if (m_Model.hasMaskUnit) {
@@ -166,61 +183,46 @@ std::vector<RegisterState> ViscaBlock::registers() const {
     return states;
 }
 
-std::string ViscaBlock::valueText(const ViscaRegister& row, std::uint32_t value) const {
-    for (const ViscaWord& word : row.words) {
-        if (word.value == value) {
-            return std::string(word.text);
-        }
-    }
-    return hex(value);
+Picture ViscaBlock::picture() const {
+    const std::size_t state = indexOf(DayNightRegister);
+    return state < m_Values.size() && m_Values[state] == StateNight ? Picture::Night : Picture::Day;
 }
 
-std::string ViscaBlock::describe(Bytes frame) const {
-    if (frame.size() == PanTiltStop.size() && std::equal(frame.begin(), frame.end(), PanTiltStop.begin())) {
-        return "pan/tilt stop";
+bool ViscaBlock::decidesDayNight() const {
+    const std::size_t mode = indexOf(DayNightModeRegister);
+    return mode < m_Values.size() && m_Values[mode] == ModeAutomatic;
+}
+
+std::optional<int> ViscaBlock::lamps() const {
+    static constexpr std::uint32_t BoardNight = 1;
+    const std::size_t board = indexOf(PrivateDayNightRegister);
+    if (board == m_Values.size()) {
+        return std::nullopt;
     }
-    if (frame.size() == MaskUnit::FrameLength && frame[0] == MaskHeader) {
-        return MaskUnit::describe(frame);
+    std::uint32_t power = 0;
+    for (const std::uint32_t lamp : m_Model.lamps) {
+        power = std::max(power, m_Values[indexOf(lamp)]);
     }
-    if (frame.size() >= 7 && frame[0] == PrivateHeader) {
-        const std::string sum = sumIsRight(frame) ? "" : " (wrong checksum)";
-        if (isPrivateRestart(frame)) {
-            return "restart" + sum;
-        }
-        const std::size_t index = indexOf(PrivateDayNightRegister | frame[4]);
-        if (index == m_Values.size()) {
-            return "infrared board: unknown selector " + hex(frame[4]) + sum;
-        }
-        const ViscaRegister& row = m_Model.registers[index];
-        return std::string(row.name) + ' ' + valueText(row, frame[5]) + sum;
-    }
-    if (frame.size() < 5 || frame[0] != CommandHeader || frame[2] != 0x04 || (frame[1] != 0x01 && frame[1] != 0x09)) {
-        return "unknown frame";
-    }
-    const Bytes payload = frame.subspan(3, frame.size() - 4);
-    std::size_t codeLength = 0;
-    const std::size_t index = indexOfCommand(payload, codeLength);
-    if (frame[1] == 0x09) {
-        if (payload[0] == VersionRegister) {
-            return "inquiry version";
-        }
-        return index < m_Values.size() ? "inquiry " + std::string(m_Model.registers[index].name)
-                                       : "inquiry of unknown register " + hex(payload[0]);
-    }
-    for (const ViscaStep& step : m_Model.steps) {
-        if (payload.size() == 2 && payload[0] == step.code && payload[1] == step.value) {
-            return std::string(step.name);
-        }
-    }
+    return m_Values[board] == BoardNight ? static_cast<int>(power) : 0;
+}
+
+std::string ViscaBlock::videoSystem() const {
+    const std::size_t index = indexOf(VideoSystemRegister);
+    return index < m_Values.size() ? valueText(m_Model.registers[index], m_InForce[index]) : "";
+}
+
+bool ViscaBlock::setVideoSystem(std::string_view text) {
+    const std::size_t index = indexOf(VideoSystemRegister);
     if (index == m_Values.size()) {
-        return "unknown register " + hex(payload[0]);
+        return false;
     }
-    const ViscaRegister& row = m_Model.registers[index];
-    const Bytes value = payload.subspan(codeLength);
-    if (value.size() != row.payload) {
-        return std::string(row.name) + " with a wrong length";
+    for (const ViscaWord& word : m_Model.registers[index].words) {
+        if (word.text == text) {
+            m_Values[index] = m_InForce[index] = word.value;
+            return true;
+        }
     }
-    return std::string(row.name) + ' ' + valueText(row, valueOf(value));
+    return false;
 }
 
 CameraBlock::Cut ViscaBlock::cut(Bytes bytes) const {
@@ -266,13 +268,7 @@ CameraBlock::Cut ViscaBlock::cut(Bytes bytes) const {
 void ViscaBlock::executeFrame(Bytes frame, std::int64_t now) {
     switch (frame[0]) {
     case CommandHeader:
-        if (frame.size() >= 5 && frame[1] == 0x01 && frame[2] == 0x04) {
-            answer(command(frame.subspan(3, frame.size() - 4)));
-        } else if (frame.size() >= 5 && frame[1] == 0x09 && frame[2] == 0x04) {
-            inquire(frame.subspan(3, frame.size() - 4));
-        } else {
-            answer(Outcome::SyntaxError);
-        }
+        executeCommand(frame, now);
         break;
     case PrivateHeader:
         if (!sumIsRight(frame)) {
@@ -291,6 +287,29 @@ void ViscaBlock::executeFrame(Bytes frame, std::int64_t now) {
         break;
     default:
         break;
+    }
+}
+
+void ViscaBlock::executeCommand(Bytes frame, std::int64_t now) {
+    const bool isCamera = frame.size() >= 5 && frame[2] == CameraGroup;
+    if (isCamera && frame[1] == Setting) {
+        const Bytes payload = frame.subspan(3, frame.size() - 4);
+        if (m_Model.hasRestartCommand && payload.size() == 2 && (payload[0] << 8 | payload[1]) == RestartCommand) {
+            acknowledge();
+            reboot(now, false);
+        } else {
+            answer(command(payload));
+        }
+    } else if (isCamera && frame[1] == Inquiry) {
+        inquire(frame.subspan(3, frame.size() - 4));
+    } else if (m_Model.hasPages && isPageOpening(frame)) {
+        answer(Outcome::Done);
+    } else if (m_Model.hasPages && isPageSetting(frame)) {
+        answer(setValue(indexOf(pageCode(frame)), frame.subspan(8, 2)));
+    } else if (m_Model.hasPages && isPageInquiry(frame)) {
+        inquirePage(frame);
+    } else {
+        answer(Outcome::SyntaxError);
     }
 }
 
@@ -318,25 +337,18 @@ ViscaBlock::Outcome ViscaBlock::command(Bytes payload) {
     }
     std::size_t codeLength = 0;
     const std::size_t index = indexOfCommand(payload, codeLength);
-    if (index == m_Values.size()) {
+    return setValue(index, payload.subspan(index < m_Values.size() ? codeLength : 0));
+}
+
+ViscaBlock::Outcome ViscaBlock::setValue(std::size_t index, Bytes payload) {
+    if (index == m_Values.size() || m_Model.registers[index].readOnly) {
         return Outcome::NotExecutable;
     }
     const ViscaRegister& row = m_Model.registers[index];
-    const Bytes valueBytes = payload.subspan(codeLength);
-    if (row.readOnly) {
-        return Outcome::NotExecutable;
-    }
-    if (valueBytes.size() != row.payload || !nibblesOnly(valueBytes)) {
+    if (payload.size() != row.payload || !nibblesOnly(payload) || !accepts(row, valueOf(payload))) {
         return Outcome::SyntaxError;
     }
-    const std::uint32_t value = valueOf(valueBytes);
-    const bool accepted = row.listed.empty()
-                              ? value >= row.first && value <= row.last
-                              : std::find(row.listed.begin(), row.listed.end(), value) != row.listed.end();
-    if (!accepted) {
-        return Outcome::SyntaxError;
-    }
-    store(index, value);
+    store(index, valueOf(payload));
     return Outcome::Done;
 }
 
@@ -359,16 +371,28 @@ void ViscaBlock::inquire(Bytes payload) {
             return;
         }
         const ViscaRegister& row = m_Model.registers[index];
+        const std::uint32_t value = row.metered ? inForce(index) : m_Values[index];
         if (row.payload == 1) {
-            answerBytes[length++] = static_cast<std::uint8_t>(m_Values[index]);
+            answerBytes[length++] = static_cast<std::uint8_t>(value);
         } else {
             for (unsigned nibble = row.payload; nibble > 0; --nibble) {
-                answerBytes[length++] = static_cast<std::uint8_t>(m_Values[index] >> (4 * (nibble - 1)) & 0x0fU);
+                answerBytes[length++] = static_cast<std::uint8_t>(value >> (4 * (nibble - 1)) & 0x0fU);
             }
         }
     }
     answerBytes[length++] = Terminator;
     reply(Bytes(answerBytes).first(length));
+}
+
+void ViscaBlock::inquirePage(Bytes frame) {
+    const std::size_t index = indexOf(pageCode(frame));
+    if (index == m_Values.size()) {
+        answer(Outcome::NotExecutable);
+        return;
+    }
+    const auto high = static_cast<std::uint8_t>(m_Values[index] >> 4 & 0x0fU);
+    const auto low = static_cast<std::uint8_t>(m_Values[index] & 0x0fU);
+    reply(std::array<std::uint8_t, 7>{ReplyHeader, 0x50, 0x00, 0x00, high, low, Terminator});
 }
 
 bool ViscaBlock::privateCommand(Bytes frame) {
@@ -407,24 +431,25 @@ void ViscaBlock::store(std::size_t index, std::uint32_t value) {
     }
 }
 
+void ViscaBlock::acknowledge() {
+    reply(std::array<std::uint8_t, 3>{ReplyHeader, static_cast<std::uint8_t>(0x40 | m_Model.socket), Terminator});
+}
+
 void ViscaBlock::answer(Outcome outcome) {
-    static constexpr std::array<std::uint8_t, 3> Acknowledged{0x90, 0x41, Terminator};
-    static constexpr std::array<std::uint8_t, 3> Completed{0x90, 0x51, Terminator};
-    static constexpr std::array<std::uint8_t, 4> Malformed{0x90, 0x60, 0x02, Terminator};
-    static constexpr std::array<std::uint8_t, 4> Refused{0x90, 0x61, 0x41, Terminator};
+    const auto withSocket = [this](unsigned kind) { return static_cast<std::uint8_t>(kind | m_Model.socket); };
     switch (outcome) {
     case Outcome::SyntaxError:
-        reply(Malformed);
+        reply(std::array<std::uint8_t, 4>{ReplyHeader, 0x60, 0x02, Terminator});
         break;
     case Outcome::NotExecutable:
-        reply(Refused);
+        reply(std::array<std::uint8_t, 4>{ReplyHeader, withSocket(0x60), 0x41, Terminator});
         break;
     case Outcome::Done:
         if (settings().habit != ReplyHabit::Complete) {
-            reply(Acknowledged);
+            acknowledge();
         }
         if (settings().habit != ReplyHabit::Acknowledge) {
-            reply(Completed, settings().completionDelay);
+            reply(std::array<std::uint8_t, 3>{ReplyHeader, withSocket(0x50), Terminator}, settings().completionDelay);
         }
         break;
     }

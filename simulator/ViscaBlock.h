@@ -18,9 +18,25 @@ struct ViscaWord {
     std::string_view text;
 };
 
+/// A part of a register's value that has a name and a range of its own.
+struct ViscaField {
+    std::string_view name;
+    unsigned shift = 0;
+    unsigned bits = 4;
+    std::uint32_t first = 0;
+    std::uint32_t last = 0x0f;
+
+    constexpr std::uint32_t mask() const { return (1U << bits) - 1; }
+    constexpr std::uint32_t of(std::uint32_t value) const { return value >> shift & mask(); }
+    constexpr std::uint32_t with(std::uint32_t value, std::uint32_t part) const {
+        return (value & ~(mask() << shift)) | (part & mask()) << shift;
+    }
+};
+
 /// One register of a model: what command 81 01 04 code payload FF sets and inquiry 81 09 04 code FF gives.
 struct ViscaRegister {
-    /// One byte, or two where a sub-code follows (2472), or FE00 + selector for a private frame.
+    /// One byte, or two where a sub-code follows (2472), or FE00 + selector for a private frame, or 7F, page and two
+    /// bytes of address (7F0B0409) in a model with pages.
     std::uint32_t code = 0;
     std::string_view name;
     /// Bytes after the code; from two on, each carries one nibble of the value, the highest first.
@@ -31,11 +47,16 @@ struct ViscaRegister {
     std::uint32_t last = 0xff;
     std::span<const std::uint8_t> listed = {};
     std::span<const ViscaWord> words = {};
+    /// The value's parts: they decide what is accepted, and can be asked for by name. Only with a code of one byte.
+    std::span<const ViscaField> fields = {};
     bool persistent = true;
     /// Answers inquiries only.
     bool readOnly = false;
     /// A written value comes into force with the next restart; the one in force stands at code + 10000 hex.
     bool atRestart = false;
+    /// A gain: unless exposure is manual an inquiry gives what the light at the sensor asks for, up to the gain limit.
+    /// That also stands at code + 10000 hex.
+    bool metered = false;
 };
 
 /// A command that moves a register: 81 01 04 code value FF.
@@ -60,10 +81,18 @@ struct ViscaModel {
     bool hasMaskUnit = false;
     /// Restarts on FE 05 03 01 01 0A FF.
     bool hasPrivateRestart = false;
+    /// Answers 81 01 04 19 03 FF and restarts.
+    bool hasRestartCommand = false;
+    /// Takes frames 7F for registers addressed by a page.
+    bool hasPages = false;
+    /// Low digit of the second byte of an acknowledgement, completion or refusal.
+    std::uint8_t socket = 1;
+    /// Registers of the infrared board's lamps, in percent.
+    std::span<const std::uint32_t> lamps = {};
 };
 
-/// A block of the VISCA family, made from its model's tables. Addresses of its registers are their codes; mask region r
-/// is A100 + r (see MaskUnit::packed), the chosen region A100.
+/// A block of the VISCA family, made from its model's tables. Addresses of its registers are their codes; field n of a
+/// register is 20000 + 10 * code + n (hex); mask region r is A100 + r (see MaskUnit::packed), the chosen region A100.
 class ViscaBlock : public CameraBlock {
 public:
     using CameraBlock::registerValue;
@@ -76,7 +105,17 @@ public:
     std::optional<std::uint32_t> registerValue(std::uint32_t address) const override;
     bool setRegister(std::uint32_t address, std::uint32_t value) override;
     std::vector<RegisterState> registers() const override;
+    Picture picture() const override;
+    bool decidesDayNight() const override;
+    std::optional<int> lamps() const override;
+    std::string videoSystem() const override;
+    bool setVideoSystem(std::string_view text) override;
+
     std::string describe(std::span<const std::uint8_t> frame) const override;
+    std::string describeReply(std::span<const std::uint8_t> reply,
+                              std::span<const std::uint8_t> command) const override;
+    std::size_t replyLength(std::span<const std::uint8_t> bytes) const override;
+    bool isReply(std::span<const std::uint8_t> bytes) const override;
 
     const MaskUnit& masks() const { return m_Masks; }
 
@@ -88,15 +127,27 @@ protected:
     void ambientChanged() override;
 
 private:
+    static constexpr std::uint32_t FieldsPerRegister = 0x10;
+
     enum class Outcome { Done, SyntaxError, NotExecutable };
 
     std::size_t indexOf(std::uint32_t code) const;
     std::size_t indexOfCommand(std::span<const std::uint8_t> payload, std::size_t& codeLength) const;
-    std::string valueText(const ViscaRegister& row, std::uint32_t value) const;
+    std::uint32_t inForce(std::size_t index) const;
+    bool hasInForce(std::size_t index) const;
+    const ViscaField* fieldAt(std::uint32_t address, std::size_t& index) const;
+    static std::string valueText(const ViscaRegister& row, std::uint32_t value);
+    std::string describePrivate(std::span<const std::uint8_t> frame) const;
+    std::string describePage(std::span<const std::uint8_t> frame) const;
+    std::string describeAnswer(std::span<const std::uint8_t> values, std::span<const std::uint8_t> inquiry) const;
+    void executeCommand(std::span<const std::uint8_t> frame, std::int64_t now);
     Outcome command(std::span<const std::uint8_t> payload);
+    Outcome setValue(std::size_t index, std::span<const std::uint8_t> payload);
     void inquire(std::span<const std::uint8_t> payload);
+    void inquirePage(std::span<const std::uint8_t> frame);
     bool privateCommand(std::span<const std::uint8_t> frame);
     void store(std::size_t index, std::uint32_t value);
+    void acknowledge();
     void answer(Outcome outcome);
 
     const ViscaModel& m_Model;

@@ -2,7 +2,6 @@
 #include "simulator/Cmd8100Block.h"
 #include "simulator/InProcessLine.h"
 
-#include <random>
 #include <set>
 #include <thread>
 
@@ -193,38 +192,6 @@ TEST(Line, RestartForgetsWhatWasNotSent) {
     EXPECT_EQ(bench.ask(Inquire), "");
     EXPECT_EQ(bench.ask(Inquire, 7), Is5);
     EXPECT_EQ(bench.ask(std::string(Set5) + " FE 05 03 01 01 0A FF"), "90 41 FF");
-}
-
-TEST(Line, NoBytesAndNoFaultsLeaveTheBlockDeaf) {
-    const auto heads = wire("81 01 04 09 FE 05 1E 02 A1 FF 4D 45 20 24");
-    std::minstd_rand random(7);
-    const auto number = [&random](unsigned below) { return static_cast<unsigned>(random() >> 8) % below; };
-    for (int round = 0; round < 300; ++round) {
-        SCOPED_TRACE(round);
-        Bench bench(BlockSettings{.habit = static_cast<ReplyHabit>(number(3))}, round % 3 == 0 ? 9600 : 0);
-        bench.line.withLine([&](Line& line, std::int64_t) {
-            for (unsigned i = number(4); i > 0; --i) {
-                const unsigned first = number(20) + 1;
-                line.faults().add({.kind = static_cast<FaultKind>(number(15)),
-                                   .argument = static_cast<int>(number(12)) - 1,
-                                   .extra = static_cast<int>(number(12)) - 1,
-                                   .first = first,
-                                   .last = first + number(20)});
-            }
-        });
-        for (int send = 0; send < 40; ++send) {
-            std::vector<std::uint8_t> bytes(number(90));
-            for (std::uint8_t& byte : bytes)
-                byte = number(4) == 0 ? static_cast<std::uint8_t>(number(256)) : heads[number(14)];
-            bench.line.send(bytes);
-            bench.recv(number(30), static_cast<int>(number(2)));
-            bench.line.withBlock([&](CameraBlock& b, std::int64_t) { EXPECT_FALSE(b.describe(bytes).empty()); });
-        }
-        bench.line.withLine([](Line& line, std::int64_t) { line.faults().clear(); });
-        bench.clock.waitMicroseconds(20'000'000);
-        bench.ask("81 09 04 22 FF", 10'000); // also brings what a merge held back
-        EXPECT_EQ(bench.ask("81 09 04 22 FF", 7), "90 50 00 20 01 08 FF");
-    }
 }
 
 TEST(Line, CallsFromSeveralThreads) {

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int Handle = 3;
+constexpr int SecondHandle = 4;
 
 std::span<const std::uint8_t> asBytes(const char* bytes, int length) {
     return {reinterpret_cast<const std::uint8_t*>(bytes), static_cast<std::size_t>(length)};
@@ -25,32 +26,52 @@ void HostTime::waitMicroseconds(std::int64_t microseconds) {
 }
 
 BlockPort::BlockPort(int moduleId, const camerasim::BlockSettings& settings)
-    : m_Line(camerasim::makeBlock(moduleId, settings), m_Time) {}
+    : BlockPort(camerasim::makeBlock(moduleId, settings), camerasim::makeCompanion(moduleId, settings)) {}
+
+BlockPort::BlockPort(std::string_view blockName, const camerasim::BlockSettings& settings)
+    : BlockPort(camerasim::makeBlock(blockName, settings), nullptr) {}
+
+BlockPort::BlockPort(std::unique_ptr<camerasim::CameraBlock> block, std::unique_ptr<camerasim::CameraBlock> companion)
+    : m_Line(std::move(block), m_Time) {
+    if (companion != nullptr)
+        m_pCompanion = std::make_unique<camerasim::InProcessLine>(std::move(companion), m_Time);
+}
 
 int BlockPort::open(const char* deviceName) {
-    m_strDeviceName = deviceName;
-    return m_bOpens ? Handle : -1;
+    if (!m_bOpens)
+        return -1;
+    if (m_nOpens == 0)
+        m_strDeviceName = deviceName;
+    const bool isBlocks = m_strDeviceName == deviceName;
+    m_nOpens += isBlocks ? 1 : 0;
+    const bool isSecond = m_pCompanion != nullptr && (!isBlocks || m_nOpens % 2 == 0);
+    return isSecond ? SecondHandle : Handle;
 }
 
 int BlockPort::close(int) { return 1; }
 
-int BlockPort::setParameter(int, int baudRate, int dataBits, int parity, int stopBits) {
-    m_LineSettings = {baudRate, dataBits, parity, stopBits};
+int BlockPort::setParameter(int handle, int baudRate, int dataBits, int parity, int stopBits) {
+    if (handle == Handle)
+        m_LineSettings = {baudRate, dataBits, parity, stopBits};
     return 1;
 }
 
-int BlockPort::send(int, const char* bytes, int length) {
+camerasim::InProcessLine& BlockPort::lineOf(int handle) {
+    return handle == SecondHandle && m_pCompanion != nullptr ? *m_pCompanion : m_Line;
+}
+
+int BlockPort::send(int handle, const char* bytes, int length) {
     {
         const std::lock_guard lock(m_Mutex);
         m_Sent.push_back(toHex(bytes, length));
     }
-    return static_cast<int>(m_Line.send(asBytes(bytes, length)));
+    return static_cast<int>(lineOf(handle).send(asBytes(bytes, length)));
 }
 
-int BlockPort::recv(int, char* buffer, int length, int timeout) {
+int BlockPort::recv(int handle, char* buffer, int length, int timeout) {
     ++m_nReceives;
     return static_cast<int>(
-        m_Line.recv({reinterpret_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(length)}, timeout));
+        lineOf(handle).recv({reinterpret_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(length)}, timeout));
 }
 
 std::vector<std::string> BlockPort::takeSent() {
@@ -74,6 +95,16 @@ std::uint32_t BlockPort::registerValue(std::uint32_t address) {
     return m_Line.withBlock([&](const camerasim::CameraBlock& block, std::int64_t) {
         return block.registerValue(address).value_or(0xffffffff);
     });
+}
+
+std::uint32_t BlockPort::registerValue(std::string_view name) {
+    return m_Line.withBlock([&](const camerasim::CameraBlock& block, std::int64_t) {
+        return block.registerValue(name).value_or(0xffffffff);
+    });
+}
+
+void BlockPort::setLight(double lux) {
+    m_Line.withBlock([&](camerasim::CameraBlock& block, std::int64_t) { block.setLight(lux); });
 }
 
 void BlockPort::setAmbient(camerasim::Ambient ambient) {

@@ -24,6 +24,7 @@ namespace sensorctl {
 namespace {
 
 constexpr const char* PortName = "in-process";
+constexpr const char* SecondPortName = "in-process-second";
 
 /// A folder for the time of a play, with what the library has in another one.
 class ScratchFolder {
@@ -139,7 +140,8 @@ void DayPlay::bringUp() {
     {
         const sensorcontrol::ReportScope scope(start);
         m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
-                       ModuleConfigure(m_Options.moduleId, m_Options.detailText(m_Options.isOnChip() ? "" : PortName),
+                       ModuleConfigure(m_Options.moduleId,
+                                       m_Options.detailText(m_Options.isOnChip() ? "" : PortName, SecondPortName),
                                        m_Options.parametersText()));
     }
     if (!start.isUp)

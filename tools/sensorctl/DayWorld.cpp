@@ -12,17 +12,44 @@ namespace sensorctl {
 
 namespace {
 
-/// A camera block that has a light sensor and moves its filter by itself.
+/// A pin and its level by day, as a module key names it.
+struct Pin {
+    int group = 0;
+    int pin = 0;
+    int level = 0;
+
+    static std::optional<Pin> read(const std::string& detail, const char* key);
+};
+
+bool keyOf(const std::string& detail, const char* key, std::string& value) {
+    ModuleParameterParser parser;
+    return parser.parse(detail) != 0 && parser.getValue(key, value) != 0;
+}
+
+std::optional<Pin> Pin::read(const std::string& detail, const char* key) {
+    std::string text;
+    Pin pin;
+    const bool isPin =
+        keyOf(detail, key, text) && std::sscanf(text.c_str(), "%d,%d,%d", &pin.group, &pin.pin, &pin.level) == 3;
+    return isPin ? std::optional(pin) : std::nullopt;
+}
+
+/// A camera block before the sky. What it does not move itself the library moves by pins.
 class BlockWorld final : public DayWorld {
 public:
-    BlockWorld(int moduleId, bool hasInfraredBoard)
-        : m_Port(new BlockPort(moduleId)), m_bInfraredBoard(hasInfraredBoard) {}
+    BlockWorld(int moduleId, const std::string& detail) : m_Port(new BlockPort(moduleId)) {
+        std::string infrared;
+        m_bInfrared = keyOf(detail, "isInfrared", infrared) && infrared != "0";
+        m_Filter = Pin::read(detail, "GPIO");
+    }
 
     SafePointer<IUARTController> port() override { return m_Port; }
-    void setSky(double, bool isLight) override {
+    void setSky(double lux, bool isLight) override {
         m_bLight = isLight;
         m_Port->takeSent(); // nobody looks at the frames
-        m_Port->setAmbient(isLight ? camerasim::Ambient::Light : camerasim::Ambient::Dark);
+        m_Port->line().withBlock([&](camerasim::CameraBlock& block, std::int64_t) {
+            block.setLight(lux, isLight ? camerasim::Ambient::Light : camerasim::Ambient::Dark);
+        });
     }
     Sight look() override;
     std::string cause(const std::string& since) const override {
@@ -31,35 +58,24 @@ public:
 
 private:
     SafePointer<BlockPort> m_Port;
-    const bool m_bInfraredBoard;
+    bool m_bInfrared = false;
+    std::optional<Pin> m_Filter;
     bool m_bLight = true;
 };
 
 Sight BlockWorld::look() {
     Sight sight;
     sight.isLight = m_bLight;
-    std::optional<std::uint32_t> state;
-    std::optional<std::uint32_t> board;
-    std::uint32_t power = 0;
-    for (const camerasim::RegisterState& one :
-         m_Port->line().withBlock([](const camerasim::CameraBlock&block, std::int64_t) { return block.registers(); })) {
-        if (one.name == "day/night")
-            state = one.value;
-        else if (one.name == "infrared board: day/night")
-            board = one.value;
-        else if (one.name.starts_with("infrared board:") && one.name.ends_with(" light"))
-            power = std::max(power, one.value);
-    }
-    constexpr std::uint32_t StateDay = 3;
-    constexpr std::uint32_t BoardNight = 1;
-    if (state)
-        sight.isDayPicture = sight.isFilterIn = *state == StateDay;
-    if (!m_bInfraredBoard || !board)
-        return sight;
-    // With an infrared board it is the board that is told, and that moves what it has.
-    sight.lights = *board == BoardNight ? static_cast<int>(power) : 0;
-    if (*board != 0)
-        sight.isDayPicture = sight.isFilterIn = *board != BoardNight;
+    m_Port->line().withBlock([&](const camerasim::CameraBlock& block, std::int64_t) {
+        sight.isDayPicture = block.picture() == camerasim::Picture::Day;
+        if (block.movesFilter())
+            sight.isFilterIn = sight.isDayPicture;
+        // The board with lamps is an option of the module.
+        if (m_bInfrared)
+            sight.lights = block.lamps();
+    });
+    if (!sight.isFilterIn && m_Filter)
+        sight.isFilterIn = m_pGpio->getLevel(m_Filter->group, m_Filter->pin) == m_Filter->level;
     return sight;
 }
 
@@ -68,11 +84,11 @@ class PipelineWorld final : public DayWorld {
 public:
     explicit PipelineWorld(const std::string& detail) {
         SceneConsole::start();
-        m_Filter = readPin(detail, "GPIO");
+        m_Filter = Pin::read(detail, "GPIO");
         std::string isNew;
         if (keyOf(detail, "isNewInfrared", isNew) && isNew != "0")
-            m_Lights = readPin(detail, "GPIOInfraredLight");
-        m_Resistor = readPin(detail, "GPIODNLevel");
+            m_Lights = Pin::read(detail, "GPIOInfraredLight");
+        m_Resistor = Pin::read(detail, "GPIODNLevel");
     }
 
     SafePointer<IUARTController> port() override { return SafePointer<IUARTController>(); }
@@ -87,23 +103,6 @@ public:
     std::string cause(const std::string& since) const override;
 
 private:
-    struct Pin {
-        int group = 0;
-        int pin = 0;
-        int level = 0; ///< by day
-    };
-
-    static bool keyOf(const std::string& detail, const char* key, std::string& value) {
-        ModuleParameterParser parser;
-        return parser.parse(detail) != 0 && parser.getValue(key, value) != 0;
-    }
-    static std::optional<Pin> readPin(const std::string& detail, const char* key) {
-        std::string text;
-        Pin pin;
-        const bool isPin =
-            keyOf(detail, key, text) && std::sscanf(text.c_str(), "%d,%d,%d", &pin.group, &pin.pin, &pin.level) == 3;
-        return isPin ? std::optional(pin) : std::nullopt;
-    }
     bool isAtDay(const Pin& pin) const { return m_pGpio->getLevel(pin.group, pin.pin) == pin.level; }
 
     std::optional<Pin> m_Filter;
@@ -161,11 +160,7 @@ double Sky::lux(double minutes) const {
 std::unique_ptr<DayWorld> DayWorld::create(const TargetOptions& options) {
     if (options.isOnChip())
         return std::make_unique<PipelineWorld>(options.detailText(""));
-    ModuleParameterParser detail;
-    std::string infrared;
-    const bool hasInfraredBoard =
-        detail.parse(options.detailText("")) && detail.getValue("isInfrared", infrared) && infrared != "0";
-    return std::make_unique<BlockWorld>(options.moduleId, hasInfraredBoard);
+    return std::make_unique<BlockWorld>(options.moduleId, options.detailText(""));
 }
 
 } // namespace sensorctl

@@ -81,13 +81,8 @@ Session::~Session() = default;
 
 void Session::startBlock() {
     std::unique_ptr<camerasim::CameraBlock> block = camerasim::makeBlock(m_Options.moduleId);
-    // The values of the register that the family keeps its video system in.
-    constexpr std::uint32_t Ntsc = 6;
-    constexpr std::uint32_t Pal = 8;
     const bool isPal = (m_Options.videoSystemNumber() == 1) != m_Options.simulatedRestart;
-    for (const camerasim::RegisterState& state : block->registers())
-        if (state.name.starts_with("video system"))
-            block->setRegister(state.address, isPal ? Pal : Ntsc);
+    block->setVideoSystem(isPal ? "PAL" : "NTSC");
     camerasim::PtyServer::Settings settings;
     settings.baud = m_Options.baudPace;
     settings.linkPath = m_Folder.portLink();
@@ -98,6 +93,12 @@ void Session::startBlock() {
             throw Failure(Usage, error);
     if (!m_pBlock->start(error))
         throw Failure(Trouble, "the simulated block has no port: " + error);
+    if (std::unique_ptr<camerasim::CameraBlock> companion = camerasim::makeCompanion(m_Options.moduleId)) {
+        settings.linkPath.clear();
+        m_pCompanion = std::make_unique<camerasim::PtyServer>(std::move(companion), settings);
+        if (!m_pCompanion->start(error))
+            throw Failure(Trouble, "the second port of the simulated block: " + error);
+    }
 }
 
 std::unique_ptr<ModuleConsole> Session::console() {
@@ -122,7 +123,9 @@ void Session::bringUp() {
         const sensorcontrol::ReportScope scope(m_Start);
         const StartCanceller canceller(m_Manager, *m_pGuard);
         m_Manager.init(m_Options.videoSystemNumber(), m_Options.videoResolution(),
-                       ModuleConfigure(m_Options.moduleId, m_Options.detailText(device), m_Options.parametersText()));
+                       ModuleConfigure(m_Options.moduleId,
+                                       m_Options.detailText(device, m_pCompanion ? m_pCompanion->portPath() : ""),
+                                       m_Options.parametersText()));
     }
     m_pGuard->disarm();
     m_Events.setProgress(nullptr);

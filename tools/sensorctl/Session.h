@@ -89,6 +89,7 @@ private:
     const Explanation m_Explanation;
     StateFolder m_Folder;
     std::unique_ptr<camerasim::PtyServer> m_pBlock;
+    std::unique_ptr<camerasim::PtyServer> m_pCompanion; ///< of a block with a second port
     WireTrace m_Trace;
     SafePointer<IUARTController> m_pPort;
     PortGuard* m_pGuard = nullptr;

@@ -16,7 +16,13 @@ namespace sensorctl {
 
 namespace {
 
-constexpr int DefaultBaud = 9600;
+/// For a module that has no simulated block, and so no entry that tells what it needs.
+constexpr camerasim::BlockEntry UnknownBlock{.portKey = "RS485", .detail = "isInfrared=0"};
+
+const camerasim::BlockEntry& blockOf(int moduleId) {
+    const camerasim::BlockEntry* const entry = camerasim::findBlock(moduleId);
+    return entry != nullptr ? *entry : UnknownBlock;
+}
 
 std::vector<std::string> split(std::string_view text, char separator) {
     std::vector<std::string> parts;
@@ -40,14 +46,6 @@ std::vector<int> numbers(std::string_view text, char separator, std::size_t coun
         values.push_back(value);
     }
     return values.size() == count ? values : std::vector<int>{};
-}
-
-const camerasim::BlockEntry* findBlock(int moduleId) {
-    const auto entries = camerasim::blockEntries();
-    const auto found = std::find_if(entries.begin(), entries.end(), [moduleId](const camerasim::BlockEntry& entry) {
-        return entry.moduleId == moduleId;
-    });
-    return found != entries.end() ? &*found : nullptr;
 }
 
 std::string trimmed(const std::string& text) {
@@ -94,11 +92,12 @@ void checkModule(int moduleId) {
 }
 
 void checkSimulated(int moduleId) {
-    if (findBlock(moduleId) != nullptr)
+    if (camerasim::findBlock(moduleId) != nullptr)
         return;
     std::string known;
     for (const camerasim::BlockEntry& entry : camerasim::blockEntries())
-        known += (known.empty() ? "" : ", ") + std::to_string(entry.moduleId);
+        if (entry.moduleId != camerasim::BlockEntry::NoModule)
+            known += (known.empty() ? "" : ", ") + std::to_string(entry.moduleId);
     throw Failure(Usage, "there is no simulated block of module " + std::to_string(moduleId),
                   {"there are: " + known, "try: --port with a real one"});
 }
@@ -184,7 +183,10 @@ void TargetOptions::loadSelection() {
 }
 
 std::string TargetOptions::portKey() const {
-    return m_RecordDetail.contains("RS232") && !m_RecordDetail.contains("RS485") ? "RS232" : "RS485";
+    const std::string key(blockOf(moduleId).portKey);
+    // The configuration folder's record knows best.
+    const std::string other = key == "RS485" ? "RS232" : "RS485";
+    return m_RecordDetail.contains(other) && !m_RecordDetail.contains(key) ? other : key;
 }
 
 std::string TargetOptions::device() const { return port.empty() ? valueOf(m_RecordDetail, portKey()) : port; }
@@ -196,6 +198,10 @@ void TargetOptions::check(bool needsPort) const {
     // A configuration that names no port is that of a module that has none.
     if (needsPort && !isSimulated() && device().empty() && selection.folder.empty())
         throw Failure(Usage, "a port is missing", {"try: --port /dev/ttyUSB0, or --simulated"});
+    const std::string second(blockOf(moduleId).companionPortKey);
+    if (needsPort && !second.empty() && !isSimulated() && !detailKeys().contains(second))
+        throw Failure(Usage, "module " + std::to_string(moduleId) + " has a second port",
+                      {"try: --detail '" + second + "=/dev/ttyUSB1'"});
     if (isOnChip() && !port.empty())
         throw Failure(Usage, "module " + std::to_string(moduleId) + " is on the chip: it has no port");
     if (simulated && !isOnChip())
@@ -223,8 +229,7 @@ std::string TargetOptions::lineText() const {
         return line;
     if (std::string configured = valueOf(m_RecordParameters, portKey()); !configured.empty())
         return configured;
-    const camerasim::BlockEntry* const block = findBlock(moduleId);
-    return std::to_string(block != nullptr ? block->baud : DefaultBaud) + ",8,1,0";
+    return std::to_string(blockOf(moduleId).baud) + ",8,1,0";
 }
 
 bool TargetOptions::isOnChip() const {
@@ -234,17 +239,21 @@ bool TargetOptions::isOnChip() const {
 
 TargetOptions::Keys TargetOptions::detailKeys() const {
     Keys keys = m_RecordDetail;
-    if (selection.folder.empty())
-        keys = isOnChip() ? Keys{{"isInfrared", "0"}, {"autoIris", "0"}, {"GPIO", "0,12,1"}, {"TNF", "1"}, {"HDR", "1"}}
-                          : Keys{{"isInfrared", "0"}, {"generation", "3"}};
+    if (selection.folder.empty() && isOnChip())
+        keys = {{"isInfrared", "0"}, {"autoIris", "0"}, {"GPIO", "0,12,1"}, {"TNF", "1"}, {"HDR", "1"}};
+    else if (selection.folder.empty())
+        addKeys(keys, std::string(blockOf(moduleId).detail), Usage, "block", "");
     addKeys(keys, detail, Usage, "--detail", "try: --detail 'isInfrared=1;generation=4'");
     return keys;
 }
 
-std::string TargetOptions::detailText(const std::string& device) const {
+std::string TargetOptions::detailText(const std::string& device, const std::string& secondDevice) const {
     Keys keys = detailKeys();
     if (!device.empty())
         keys[portKey()] = device;
+    const std::string second(blockOf(moduleId).companionPortKey);
+    if (!second.empty() && !secondDevice.empty())
+        keys[second] = secondDevice;
     return textOf(keys);
 }
 
@@ -252,6 +261,9 @@ std::string TargetOptions::parametersText() const {
     Keys keys = m_RecordParameters;
     if (!isOnChip() && (simulated || !device().empty()))
         keys[portKey()] = lineText();
+    const std::string second(blockOf(moduleId).companionPortKey);
+    if (!second.empty() && !keys.contains(second))
+        keys[second] = std::to_string(blockOf(moduleId).baud) + ",8,1,0";
     return textOf(keys);
 }
 

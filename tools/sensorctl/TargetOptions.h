@@ -49,8 +49,8 @@ struct TargetOptions {
     std::string lineText() const;
     /// The port asked for, else the one that the configuration folder names; may be empty.
     std::string device() const;
-    /// The two texts of the module, for the device that was found.
-    std::string detailText(const std::string& device) const;
+    /// The two texts of the module, for the devices that were found; the second counts where a module has two ports.
+    std::string detailText(const std::string& device, const std::string& secondDevice = "") const;
     std::string parametersText() const;
     bool usesGpioChip() const { return gpio == "chip" || (gpio.empty() && !isSimulated()); }
     /// Folder under which the library's files live.

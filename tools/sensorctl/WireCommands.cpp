@@ -16,6 +16,9 @@ namespace sensorctl {
 
 namespace {
 
+/// Behind the name of --link, for the port that a few blocks have beside the first.
+constexpr const char* SecondPort = "-second";
+
 /// Arguments as the user meant them: bytes apart, or whole lines in quotes.
 std::vector<std::string> linesOf(const std::vector<std::string>& words) {
     for (const std::string& word : words)
@@ -140,11 +143,7 @@ int simulate(Output& output, const SimulateOptions& options) {
     loadIfThere(*block, options.stateFile);
 
     camerasim::PtyServer::Settings settings;
-    for (const camerasim::BlockEntry& entry : camerasim::blockEntries())
-        if (entry.moduleId == options.moduleId)
-            settings.baud = entry.baud;
-    if (options.baud >= 0)
-        settings.baud = options.baud;
+    settings.baud = options.baud >= 0 ? options.baud : camerasim::findBlock(options.moduleId)->baud;
     settings.linkPath = options.link;
     camerasim::PtyServer server(std::move(block), settings);
     std::string error;
@@ -153,10 +152,20 @@ int simulate(Output& output, const SimulateOptions& options) {
     if (!server.start(error))
         throw Failure(Trouble, "the block has no port: " + error, {"try: another --link"});
 
+    std::unique_ptr<camerasim::PtyServer> second;
+    if (std::unique_ptr<camerasim::CameraBlock> companion = camerasim::makeCompanion(options.moduleId)) {
+        settings.linkPath += options.link.empty() ? "" : SecondPort;
+        second = std::make_unique<camerasim::PtyServer>(std::move(companion), settings);
+        if (!second->start(error))
+            throw Failure(Trouble, "the block has no second port: " + error, {"try: another --link"});
+    }
+
     nlohmann::ordered_json object;
     object["port"] = server.portPath();
     object["module"] = options.moduleId;
-    output.record(server.portPath(), object);
+    if (second != nullptr)
+        object["secondPort"] = second->portPath();
+    output.record(server.portPath() + (second != nullptr ? ' ' + second->portPath() : ""), object);
     serve(output, server);
     save(server, options.stateFile);
     server.stop();

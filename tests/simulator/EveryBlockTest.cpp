@@ -1,0 +1,268 @@
+// What holds for every simulated block, whatever it speaks.
+
+#include "WireText.h"
+#include "simulator/BlockRegistry.h"
+#include "simulator/InProcessLine.h"
+#include "simulator/StateFile.h"
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace camerasim {
+namespace {
+
+/// A setting of each model, and what goes with it on the wire.
+struct Sample {
+    std::string name;
+    std::string reg;
+    std::uint32_t value;
+    std::string set;
+    std::string reply;
+    std::string inquiry;
+    std::string answer;
+    std::string meaning;
+    std::string answerMeaning;
+    std::string save = ""; ///< what keeps settings over a restart, where they are not kept anyway
+    std::string saveReply = "";
+    std::string night = ""; ///< commands a black-and-white picture
+    std::string day = "";
+    std::string automatic = ""; ///< leaves the picture to the block, where it has a sensor
+};
+
+const Sample Samples[] = {
+    {.name = "cmd8100",
+     .reg = "brightness",
+     .value = 5,
+     .set = "81 01 04 4E 00 00 00 05 FF",
+     .reply = "90 41 FF",
+     .inquiry = "81 09 04 4E FF",
+     .answer = "90 50 00 00 00 05 FF",
+     .meaning = "brightness 05",
+     .answerMeaning = "answer: brightness 05",
+     .night = "81 01 04 51 03 FF 81 01 04 01 02 FF",
+     .day = "81 01 04 51 03 FF 81 01 04 01 03 FF",
+     .automatic = "81 01 04 51 02 FF"},
+};
+
+class EveryBlock : public testing::TestWithParam<BlockEntry> {
+protected:
+    void SetUp() override {
+        for (const Sample& sample : Samples)
+            if (sample.name == GetParam().name)
+                m_Sample = sample;
+        ASSERT_FALSE(m_Sample.name.empty()) << "a model without a sample in this test";
+        makeLine({});
+    }
+
+    void makeLine(const BlockSettings& settings, int baud = 0) {
+        m_pLine = std::make_unique<InProcessLine>(GetParam().make(settings), m_Clock, baud);
+    }
+    void fault(const std::string& plan) {
+        std::string error;
+        ASSERT_TRUE(m_pLine->withLine([&](Line& line, std::int64_t) { return line.faults().add(plan, error); }))
+            << error;
+    }
+    std::string ask(const std::string& hex, std::size_t length = 60) {
+        m_pLine->send(wire(hex));
+        std::vector<std::uint8_t> buffer(length);
+        buffer.resize(m_pLine->recv(buffer, 4));
+        return hexText(buffer);
+    }
+    template <class Function>
+    auto block(Function function) {
+        return m_pLine->withBlock([&](CameraBlock& block, std::int64_t) { return function(block); });
+    }
+    std::uint32_t value() {
+        return block([&](CameraBlock& b) { return b.registerValue(m_Sample.reg).value(); });
+    }
+    void restart(bool loseState) {
+        m_pLine->withBlock([&](CameraBlock& b, std::int64_t now) { b.reboot(now, loseState); });
+    }
+
+    Sample m_Sample;
+    ManualClock m_Clock;
+    std::unique_ptr<InProcessLine> m_pLine;
+};
+
+TEST_P(EveryBlock, IsFoundAndNamesItself) {
+    EXPECT_EQ(findBlock(GetParam().name)->make, GetParam().make);
+    EXPECT_EQ(block([](CameraBlock& b) { return std::string(b.modelName()); }), GetParam().name);
+    if (GetParam().moduleId != BlockEntry::NoModule) {
+        EXPECT_EQ(makeBlock(GetParam().moduleId)->modelName(), GetParam().name);
+    }
+    EXPECT_EQ(makeBlock(BlockEntry::NoModule), nullptr);
+    EXPECT_EQ(makeCompanion(GetParam().moduleId) != nullptr, !GetParam().companionPortKey.empty());
+}
+
+TEST_P(EveryBlock, SettingsAreHeldAskedForAndTold) {
+    const std::uint32_t factory = value();
+    ASSERT_NE(factory, m_Sample.value) << "the factory value would hide a lost command";
+    EXPECT_EQ(ask(m_Sample.set), m_Sample.reply);
+    EXPECT_EQ(value(), m_Sample.value);
+    EXPECT_EQ(ask(m_Sample.inquiry), m_Sample.answer);
+    block([&](CameraBlock& b) {
+        EXPECT_EQ(b.describe(wire(m_Sample.set)), m_Sample.meaning);
+        EXPECT_EQ(b.describe(b.receivedFrames().front().bytes()), m_Sample.meaning);
+        EXPECT_EQ(b.describeReply(wire(m_Sample.answer), wire(m_Sample.inquiry)), m_Sample.answerMeaning);
+        EXPECT_TRUE(b.startsWithFrame(wire(m_Sample.set + " " + m_Sample.inquiry)));
+        EXPECT_EQ(b.frameLength(wire(m_Sample.set + " " + m_Sample.inquiry)), wire(m_Sample.set).size());
+        EXPECT_EQ(b.replyLength(wire(m_Sample.answer + " " + m_Sample.reply)), wire(m_Sample.answer).size());
+        for (const RegisterState& state : b.registers()) {
+            EXPECT_EQ(b.registerValue(state.address), state.value) << state.name;
+            EXPECT_EQ(b.registerValue(state.name), state.value) << "a name stands twice: " << state.name;
+        }
+    });
+}
+
+TEST_P(EveryBlock, RestartIsSilentAndLosesWhatItShould) {
+    const std::uint32_t factory = value();
+    makeLine(BlockSettings{.bootTime = 4'000'000});
+    ask(m_Sample.set);
+    EXPECT_EQ(ask(m_Sample.save), m_Sample.saveReply);
+    restart(false);
+    m_Clock.waitMicroseconds(3'500'000);
+    EXPECT_EQ(ask(m_Sample.inquiry), "");
+    m_Clock.waitMicroseconds(100'000);
+    EXPECT_EQ(ask(m_Sample.inquiry), m_Sample.answer);
+    restart(true);
+    EXPECT_EQ(value(), factory);
+    m_Clock.waitMicroseconds(4'000'000);
+    EXPECT_EQ(ask(m_Sample.set), m_Sample.reply);
+}
+
+TEST_P(EveryBlock, StateIsSavedAndRestored) {
+    ask(m_Sample.set);
+    ask(m_Sample.save);
+    const std::string text = block([](CameraBlock& b) { return stateText(b); });
+    const auto restored = GetParam().make({});
+    EXPECT_NE(stateText(*restored), text);
+    std::string error;
+    ASSERT_TRUE(applyStateText(*restored, text, error)) << error;
+    EXPECT_EQ(stateText(*restored), text);
+    EXPECT_EQ(restored->registerValue(m_Sample.reg), m_Sample.value);
+}
+
+TEST_P(EveryBlock, PictureFollowsTheHostOrTheLight) {
+    const auto picture = [this] { return block([](CameraBlock& b) { return b.picture(); }); };
+    const auto decides = [this] { return block([](CameraBlock& b) { return b.decidesDayNight(); }); };
+    const auto setAmbient = [this](Ambient ambient) { block([ambient](CameraBlock& b) { b.setAmbient(ambient); }); };
+    ask(m_Sample.night);
+    EXPECT_EQ(picture(), Picture::Night);
+    EXPECT_FALSE(decides());
+    setAmbient(Ambient::Dark);
+    ask(m_Sample.day);
+    EXPECT_EQ(picture(), Picture::Day);
+    EXPECT_FALSE(decides());
+    if (m_Sample.automatic.empty())
+        return;
+    ask(m_Sample.automatic);
+    EXPECT_TRUE(decides());
+    EXPECT_EQ(picture(), Picture::Night);
+    block([](CameraBlock& b) { b.setLight(25); });
+    EXPECT_EQ(picture(), Picture::Day);
+    block([](CameraBlock& b) { b.setLight(19); });
+    EXPECT_EQ(picture(), Picture::Night);
+}
+
+TEST_P(EveryBlock, VideoSystemIsText) {
+    block([](CameraBlock& b) {
+        EXPECT_FALSE(b.setVideoSystem("SECAM"));
+        if (b.videoSystem().empty()) {
+            EXPECT_FALSE(b.setVideoSystem("PAL"));
+            return;
+        }
+        for (const char* system : {"NTSC", "PAL"}) {
+            EXPECT_TRUE(b.setVideoSystem(system));
+            EXPECT_EQ(b.videoSystem(), system);
+        }
+    });
+}
+
+TEST_P(EveryBlock, FaultsHitTheReply) {
+    const std::size_t length = wire(m_Sample.reply).size();
+    const auto heard = [&](const std::string& plan) {
+        makeLine({});
+        fault(plan);
+        return ask(m_Sample.set);
+    };
+    EXPECT_EQ(heard("silence"), "");
+    EXPECT_EQ(value(), m_Sample.value) << "only the reply was to be lost";
+    EXPECT_EQ(heard("truncate:2"), m_Sample.reply.substr(0, 5));
+    EXPECT_EQ(heard("split:1:300"), m_Sample.reply);
+    EXPECT_EQ(heard("split:1:500"), m_Sample.reply.substr(0, 2));
+    EXPECT_EQ(heard("duplicate"), m_Sample.reply + " " + m_Sample.reply);
+    EXPECT_EQ(heard("echo"), m_Sample.set + " " + m_Sample.reply);
+    EXPECT_EQ(heard("late:600"), "");
+    EXPECT_EQ(wire(heard("noise-before:3")).size(), length + 3);
+    EXPECT_EQ(heard("merge"), "");
+    EXPECT_EQ(ask(m_Sample.inquiry), m_Sample.reply + " " + m_Sample.answer);
+
+    const std::string wrong = heard("checksum");
+    const std::size_t at = block([&](CameraBlock& b) { return b.checkByteIndex(wire(m_Sample.reply)); });
+    ASSERT_EQ(wire(wrong).size(), length);
+    EXPECT_EQ(wire(wrong)[at], static_cast<std::uint8_t>(wire(m_Sample.reply)[at] + 1));
+
+    const std::string refusal = heard("refuse");
+    EXPECT_NE(refusal, "");
+    EXPECT_NE(refusal, m_Sample.reply);
+    EXPECT_NE(value(), m_Sample.value) << "a refused command was carried out";
+    const std::string meaning =
+        block([&](CameraBlock& b) { return b.describeReply(wire(refusal), wire(m_Sample.set)); });
+    EXPECT_EQ(meaning.substr(0, 7), "refused");
+    heard("reboot");
+    EXPECT_NE(value(), m_Sample.value);
+    EXPECT_EQ(heard("port-gone"), "");
+    EXPECT_NE(value(), m_Sample.value);
+}
+
+TEST_P(EveryBlock, NoBytesAndNoFaultsLeaveItDeaf) {
+    auto heads = wire(m_Sample.set + " " + m_Sample.inquiry + " " + m_Sample.night + " " + m_Sample.save);
+    std::minstd_rand random(7);
+    const auto number = [&random](std::size_t below) { return static_cast<std::size_t>(random() >> 8) % below; };
+    for (int round = 0; round < 100; ++round) {
+        SCOPED_TRACE(round);
+        makeLine(BlockSettings{.habit = static_cast<ReplyHabit>(number(3))}, round % 3 == 0 ? 9600 : 0);
+        m_pLine->withLine([&](Line& line, std::int64_t) {
+            for (std::size_t i = number(4); i > 0; --i) {
+                const std::size_t first = number(20) + 1;
+                line.faults().add({.kind = static_cast<FaultKind>(number(15)),
+                                   .argument = static_cast<int>(number(12)) - 1,
+                                   .extra = static_cast<int>(number(12)) - 1,
+                                   .first = first,
+                                   .last = first + number(20)});
+            }
+        });
+        for (int send = 0; send < 40; ++send) {
+            std::vector<std::uint8_t> bytes(number(60));
+            const std::size_t start = number(heads.size());
+            for (std::size_t i = 0; i < bytes.size(); ++i)
+                bytes[i] = number(8) == 0 ? static_cast<std::uint8_t>(number(256)) : heads[(start + i) % heads.size()];
+            m_pLine->send(bytes);
+            std::vector<std::uint8_t> buffer(number(30));
+            m_pLine->recv(buffer, static_cast<int>(number(2)));
+            block([&](CameraBlock& b) {
+                EXPECT_FALSE(b.describe(bytes).empty());
+                EXPECT_FALSE(b.describeReply(bytes, wire(m_Sample.inquiry)).empty());
+                EXPECT_LE(b.frameLength(bytes), bytes.size());
+                if (!bytes.empty()) {
+                    EXPECT_GT(b.frameLength(bytes), 0U);
+                    EXPECT_GT(b.replyLength(bytes), 0U);
+                    EXPECT_LE(b.replyLength(bytes), bytes.size());
+                }
+            });
+        }
+        m_pLine->withLine([](Line& line, std::int64_t) { line.faults().clear(); });
+        m_Clock.waitMicroseconds(20'000'000);
+        ask(m_Sample.inquiry, 10'000); // also brings what a merge held back
+        block([&](CameraBlock& b) { b.settings().habit = ReplyHabit::Acknowledge; });
+        EXPECT_EQ(ask(m_Sample.set), m_Sample.reply);
+        EXPECT_EQ(ask(m_Sample.inquiry), m_Sample.answer);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, EveryBlock, testing::ValuesIn(blockEntries().begin(), blockEntries().end()),
+                         [](const auto& entry) { return std::string(entry.param.name); });
+
+} // namespace
+} // namespace camerasim
