@@ -1,6 +1,7 @@
 #include "simulator/BlockRegistry.h"
 
 #include "simulator/Cmd8100Block.h"
+#include "simulator/SonyEh4300Block.h"
 
 #include <algorithm>
 #include <array>
@@ -15,11 +16,17 @@ std::unique_ptr<CameraBlock> make(const BlockSettings& settings) {
 }
 
 constexpr auto Entries = std::to_array<BlockEntry>({
+    {.moduleId = 11,
+     .name = "sony_eh4300",
+     .portKey = "RS485",
+     .detail = "isInfrared=0",
+     .make = &make<SonyEh4300Block>},
     {.moduleId = 16,
      .name = "cmd8100",
      .portKey = "RS485",
      .detail = "isInfrared=0;generation=3",
      .make = &make<Cmd8100Block>},
+    {.name = "sony_eh6300", .portKey = "RS485", .detail = "isInfrared=0", .make = &make<SonyEh6300Block>},
 });
 
 } // namespace

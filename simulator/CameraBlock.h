@@ -73,7 +73,8 @@ public:
     virtual std::optional<int> lamps() const { return std::nullopt; }
     /// Video system in force: "PAL", "NTSC", or a text of the model's own; empty if the block has none.
     virtual std::string videoSystem() const { return {}; }
-    /// Puts the block into a video system as if it had come up in it; false if it does not know the text.
+    /// Puts the block into a video system as if a host had brought it up in it before, so that the next host finds
+    /// nothing to restart it for. False if it does not know the text.
     virtual bool setVideoSystem(std::string_view) { return false; }
 
     /// Lets it be light (300 lux) or dark (0.2 lux) at the block's sensor. Its day/night report follows while it

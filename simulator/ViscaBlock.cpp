@@ -219,6 +219,9 @@ bool ViscaBlock::setVideoSystem(std::string_view text) {
     for (const ViscaWord& word : m_Model.registers[index].words) {
         if (word.text == text) {
             m_Values[index] = m_InForce[index] = word.value;
+            if (const std::size_t sync = indexOf(InterSyncRegister); sync < m_Values.size()) {
+                m_Values[sync] = m_InForce[sync] = 1;
+            }
             return true;
         }
     }

@@ -75,7 +75,7 @@ struct ViscaStep {
 struct ViscaModel {
     std::string_view name;
     std::span<const ViscaRegister> registers;
-    std::span<const ViscaStep> steps;
+    std::span<const ViscaStep> steps = {};
     /// The four bytes of the answer to 81 09 04 22 FF.
     std::array<std::uint8_t, 4> version{};
     bool hasMaskUnit = false;

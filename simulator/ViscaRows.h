@@ -22,6 +22,7 @@ inline constexpr auto CommonRows = std::to_array<ViscaRegister>({
     {.code = 0x01, .name = "day/night", .factory = 3, .first = 2, .last = 3, .words = DayNightWords},
     {.code = 0x21, .name = "day/night threshold", .payload = 4, .factory = 10, .last = 28},
     {.code = 0x38, .name = "focus mode", .factory = 2, .first = 2, .last = 3, .words = FocusWords},
+    {.code = 0x3e, .name = "exposure compensation", .factory = 3, .first = 2, .last = 3, .words = OnOff},
     {.code = 0x48,
      .name = "focus position",
      .payload = 4,

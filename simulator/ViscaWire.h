@@ -32,6 +32,7 @@ inline constexpr std::size_t PageInquiryLength = 9;
 inline constexpr std::uint32_t DayNightRegister = 0x01;
 inline constexpr std::uint32_t RestartCommand = 0x1903;
 inline constexpr std::uint32_t VersionRegister = 0x22;
+inline constexpr std::uint32_t InterSyncRegister = 0x2456;
 inline constexpr std::uint32_t VideoSystemRegister = 0x2472;
 inline constexpr std::uint32_t DayNightModeRegister = 0x51;
 inline constexpr std::uint32_t MaskRegister = 0xa100;

@@ -1,12 +1,11 @@
 #include "simulator/Cmd8100Block.h"
 
-#include "WireText.h"
+#include "ViscaCases.h"
 #include "simulator/BlockRegistry.h"
 #include "simulator/StateFile.h"
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -14,86 +13,19 @@
 namespace camerasim {
 namespace {
 
-constexpr std::int64_t Second = 1'000'000;
-
-std::string ask(CameraBlock& block, const std::string& hex, std::int64_t now = 0) {
-    return hexText(block.exchange(wire(hex), now));
-}
-
-std::string lastMeaning(const CameraBlock& block) {
-    const auto frames = block.receivedFrames();
-    return frames.empty() ? "" : block.describe(frames.back().bytes());
-}
-
-/// Plays rows in order: a command, its answer and, where they are to be looked at, its meaning and registers ("4E 3",
-/// in hex) as they are then. "+100" lets microseconds pass, other words act on the block from outside.
-void play(CameraBlock& block, const std::string& rows) {
-    std::int64_t now = 0;
-    for (const auto& row : table(rows)) {
-        SCOPED_TRACE(row[0]);
-        if (row[0][0] == '+') {
-            now += std::stoll(row[0]);
-        } else if (row[0] == "dark" || row[0] == "light") {
-            block.setAmbient(row[0] == "dark" ? Ambient::Dark : Ambient::Light);
-        } else if (row[0] == "power") {
-            block.pressPowerButton(now);
-        } else if (row[0] == "lose all") {
-            block.reboot(now, true);
-        } else {
-            EXPECT_EQ(ask(block, row[0], now), row[1]);
-        }
-        if (row.size() > 2 && !row[2].empty()) {
-            EXPECT_EQ(lastMeaning(block), row[2]);
-        }
-        for (std::size_t i = 3; i < row.size(); ++i) {
-            std::istringstream expected(row[i]);
-            std::uint32_t address = 0;
-            std::uint32_t value = 0;
-            expected >> std::hex >> address >> value;
-            EXPECT_EQ(block.registerValue(address), value) << row[i];
-        }
-    }
-}
-
-// Each row: the register's code and the value's bytes, and the meaning; command, inquiry and answer follow from them.
 TEST(Cmd8100Block, SettingsAreHeldInquiredAndDecoded) {
-    for (const auto& row :
-         table("39 0B=exposure mode iris priority|39 A0=exposure mode manual|42 00 00 00 00=sharpness 00|"
-               "4E 00 00 00 0E=brightness 0E|49 00 00 00 09=saturation 09|61 02=mirror LR on|"
-               "66 02=mirror UD on|4B 00 00 01 01=iris 11|A2 03=photometry 03|4A 00 00 01 02=shutter 12|"
-               "3D 02=wide dynamic range on|A1 02=defog on|53 05=noise reduction 05|2C 0F=gain limit 0F|"
-               "21 00 00 01 0C=day/night threshold 1C|38 03=focus mode manual|57 02=focus trigger after zoom|"
-               "28 00 00 00 04=focus near limit 04|58 05=focus sensitivity 05|35 09=white balance 09|"
-               "A3 00 00 00 0C=shutter limit 0C|3E 02=exposure compensation on|"
-               "24 72 00 06=video system NTSC|FE 01 01 23=infrared board: power mode 01|"
-               "FE 06 5A 81=infrared board: near light 5A|FE 07 00 28=infrared board: middle light 00|"
-               "FE 08 64 8D=infrared board: far light 64")) {
-        SCOPED_TRACE(row[0]);
-        const auto bytes = wire(row[0]);
-        const bool forBoard = bytes[0] == 0xfe;
-        const std::size_t codeLength = forBoard || bytes[0] == 0x24 ? 2 : 1;
-        const std::uint32_t address = codeLength == 2 ? bytes[0] * 0x100U + bytes[1] : bytes[0];
-        std::uint32_t value = bytes[codeLength];
-        for (std::size_t i = codeLength + 1; !forBoard && i < bytes.size(); ++i)
-            value = value * 0x10 + bytes[i];
-        Cmd8100Block block;
-        const auto before = block.registers();
-        EXPECT_NE(block.registerValue(address), value) << "the factory value would hide a lost command";
-        EXPECT_EQ(ask(block, (forBoard ? "FE 01 1E 02 " + row[0].substr(3) : "81 01 04 " + row[0]) + " FF"),
-                  "90 41 FF");
-        EXPECT_EQ(block.registerValue(address), value);
-        EXPECT_EQ(lastMeaning(block), row[1]);
-        if (!forBoard) {
-            EXPECT_EQ(ask(block, "81 09 04 " + row[0].substr(0, codeLength * 3) + "FF"),
-                      "90 50 " + row[0].substr(codeLength * 3) + " FF");
-        }
-        const auto after = block.registers();
-        ASSERT_EQ(after.size(), before.size());
-        int changed = 0;
-        for (std::size_t i = 0; i < after.size(); ++i)
-            changed += after[i].value != before[i].value ? 1 : 0;
-        EXPECT_EQ(changed, 1) << "a command touched a foreign register";
-    }
+    checkSettings<Cmd8100Block>(
+        "39 0B=exposure mode iris priority|39 A0=exposure mode manual|42 00 00 00 00=sharpness 00|"
+        "4E 00 00 00 0E=brightness 0E|49 00 00 00 09=saturation 09|61 02=mirror LR on|"
+        "66 02=mirror UD on|4B 00 00 01 01=iris 11|A2 03=photometry 03|4A 00 00 01 02=shutter 12|"
+        "3D 02=wide dynamic range on|A1 02=defog on|53 05=noise reduction 05|2C 0F=gain limit 0F|"
+        "21 00 00 01 0C=day/night threshold 1C|38 03=focus mode manual|57 02=focus trigger after zoom|"
+        "28 00 00 00 04=focus near limit 04|58 05=focus sensitivity 05|35 09=white balance 09|"
+        "A3 00 00 00 0C=shutter limit 0C|3E 02=exposure compensation on|"
+        "24 72 00 06=video system NTSC|FE 01 01 23=infrared board: power mode 01|"
+        "FE 06 5A 81=infrared board: near light 5A|FE 07 00 28=infrared board: middle light 00|"
+        "FE 08 64 8D=infrared board: far light 64",
+        "90 41 FF");
 }
 
 TEST(Cmd8100Block, RefusesWhatItDoesNotKnow) {
