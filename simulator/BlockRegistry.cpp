@@ -1,5 +1,6 @@
 #include "simulator/BlockRegistry.h"
 
+#include "simulator/Cmd7200Block.h"
 #include "simulator/Cmd8100Block.h"
 #include "simulator/SonyEh4300Block.h"
 
@@ -26,6 +27,7 @@ constexpr auto Entries = std::to_array<BlockEntry>({
      .portKey = "RS485",
      .detail = "isInfrared=0;generation=3",
      .make = &make<Cmd8100Block>},
+    {.moduleId = 22, .name = "cmd7200", .portKey = "RS485", .detail = "isInfrared=0", .make = &make<Cmd7200Block>},
     {.name = "sony_eh6300", .portKey = "RS485", .detail = "isInfrared=0", .make = &make<SonyEh6300Block>},
 });
 

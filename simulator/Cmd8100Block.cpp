@@ -13,9 +13,9 @@ namespace {
 constexpr std::array<std::uint8_t, 4> ExposureModes{0x00, 0x0a, 0x0b, 0xa0};
 constexpr std::array<std::uint8_t, 3> WhiteBalanceModes{0x00, 0x04, 0x09};
 
-constexpr std::array<ViscaWord, 4> ExposureWords{
+constexpr std::array<ValueWord, 4> ExposureWords{
     {{0x00, "automatic"}, {0x0a, "shutter priority"}, {0x0b, "iris priority"}, {0xa0, "manual"}}};
-constexpr std::array<ViscaWord, 2> FocusTriggerWords{{{0, "continuous"}, {2, "after zoom"}}};
+constexpr std::array<ValueWord, 2> FocusTriggerWords{{{0, "continuous"}, {2, "after zoom"}}};
 
 constexpr auto RegisterTable = joined(
     CommonRows, std::to_array<ViscaRegister>({

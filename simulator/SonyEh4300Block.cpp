@@ -16,14 +16,14 @@ constexpr std::array<std::uint8_t, 14> Irises{0, 5, 6, 7, 8, 9, 10, 11, 12, 13, 
 constexpr auto Brights = std::to_array<std::uint8_t>(
     {0, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31});
 
-constexpr std::array<ViscaWord, 5> ExposureWords{
+constexpr std::array<ValueWord, 5> ExposureWords{
     {{0x00, "automatic"}, {0x03, "manual"}, {0x0a, "shutter priority"}, {0x0b, "iris priority"}, {0x0d, "bright"}}};
-constexpr std::array<ViscaWord, 6> WhiteBalanceWords{
+constexpr std::array<ValueWord, 6> WhiteBalanceWords{
     {{0, "automatic"}, {1, "indoor"}, {2, "outdoor"}, {3, "one push"}, {4, "tracing"}, {5, "manual"}}};
-constexpr std::array<ViscaWord, 1> TriggerWords{{{5, "now"}}};
-constexpr std::array<ViscaWord, 3> FocusTriggerWords{{{0, "continuous"}, {1, "interval"}, {2, "after zoom"}}};
-constexpr std::array<ViscaWord, 2> FocusSensitivityWords{{{2, "normal"}, {3, "low"}}};
-constexpr std::array<ViscaWord, 2> SyncWords{{{0, "off"}, {1, "on"}}};
+constexpr std::array<ValueWord, 1> TriggerWords{{{5, "now"}}};
+constexpr std::array<ValueWord, 3> FocusTriggerWords{{{0, "continuous"}, {1, "interval"}, {2, "after zoom"}}};
+constexpr std::array<ValueWord, 2> FocusSensitivityWords{{{2, "normal"}, {3, "low"}}};
+constexpr std::array<ValueWord, 2> SyncWords{{{0, "off"}, {1, "on"}}};
 
 constexpr std::array<ViscaField, 2> LensFields{{{.name = "lens movement", .shift = 8, .bits = 8, .last = 0xff},
                                                 {.name = "lens interval", .bits = 8, .last = 0xff}}};

@@ -216,7 +216,7 @@ bool ViscaBlock::setVideoSystem(std::string_view text) {
     if (index == m_Values.size()) {
         return false;
     }
-    for (const ViscaWord& word : m_Model.registers[index].words) {
+    for (const ValueWord& word : m_Model.registers[index].words) {
         if (word.text == text) {
             m_Values[index] = m_InForce[index] = word.value;
             if (const std::size_t sync = indexOf(InterSyncRegister); sync < m_Values.size()) {

@@ -2,6 +2,7 @@
 
 #include "simulator/CameraBlock.h"
 #include "simulator/MaskUnit.h"
+#include "simulator/ValueWord.h"
 
 #include <array>
 #include <cstdint>
@@ -11,12 +12,6 @@
 #include <vector>
 
 namespace camerasim {
-
-/// A word for one value of a register, for decoding.
-struct ViscaWord {
-    std::uint32_t value;
-    std::string_view text;
-};
 
 /// A part of a register's value that has a name and a range of its own.
 struct ViscaField {
@@ -46,7 +41,7 @@ struct ViscaRegister {
     std::uint32_t first = 0;
     std::uint32_t last = 0xff;
     std::span<const std::uint8_t> listed = {};
-    std::span<const ViscaWord> words = {};
+    std::span<const ValueWord> words = {};
     /// The value's parts: they decide what is accepted, and can be asked for by name. Only with a code of one byte.
     std::span<const ViscaField> fields = {};
     bool persistent = true;

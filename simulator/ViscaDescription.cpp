@@ -25,10 +25,8 @@ std::string refusalText(std::uint8_t error) {
 } // namespace
 
 std::string ViscaBlock::valueText(const ViscaRegister& row, std::uint32_t value) {
-    for (const ViscaWord& word : row.words) {
-        if (word.value == value) {
-            return std::string(word.text);
-        }
+    if (const std::string_view word = wordOf(row.words, value); !word.empty()) {
+        return std::string(word);
     }
     std::string parts;
     for (const ViscaField& field : row.fields) {

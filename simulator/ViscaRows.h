@@ -10,12 +10,12 @@
 /// Words and rows that several models of the VISCA family have alike.
 namespace camerasim::visca {
 
-inline constexpr std::array<ViscaWord, 2> OnOff{{{2, "on"}, {3, "off"}}};
-inline constexpr std::array<ViscaWord, 2> FocusWords{{{2, "automatic"}, {3, "manual"}}};
-inline constexpr std::array<ViscaWord, 2> DayNightWords{{{2, "night"}, {3, "day"}}};
-inline constexpr std::array<ViscaWord, 2> DayNightModeWords{{{2, "automatic"}, {3, "manual"}}};
-inline constexpr std::array<ViscaWord, 3> PrivateDayNightWords{{{0, "automatic"}, {1, "night"}, {2, "day"}}};
-inline constexpr std::array<ViscaWord, 2> VideoWords{{{6, "NTSC"}, {8, "PAL"}}};
+inline constexpr std::array<ValueWord, 2> OnOff{{{2, "on"}, {3, "off"}}};
+inline constexpr std::array<ValueWord, 2> FocusWords{{{2, "automatic"}, {3, "manual"}}};
+inline constexpr std::array<ValueWord, 2> DayNightWords{{{2, "night"}, {3, "day"}}};
+inline constexpr std::array<ValueWord, 2> DayNightModeWords{{{2, "automatic"}, {3, "manual"}}};
+inline constexpr std::array<ValueWord, 3> PrivateDayNightWords{{{0, "automatic"}, {1, "night"}, {2, "day"}}};
+inline constexpr std::array<ValueWord, 2> VideoWords{{{6, "NTSC"}, {8, "PAL"}}};
 inline constexpr std::array<std::uint8_t, 3> VideoSystems{0x00, 0x06, 0x08};
 
 inline constexpr auto CommonRows = std::to_array<ViscaRegister>({

@@ -67,6 +67,19 @@ const Sample Samples[] = {
      .night = "81 01 04 51 03 FF 81 01 04 01 02 FF",
      .day = "81 01 04 51 03 FF 81 01 04 01 03 FF",
      .automatic = "81 01 04 51 02 FF"},
+    {.name = "cmd7200",
+     .reg = "brightness",
+     .value = 0x7f,
+     .set = characters(":WFD9E7F"),
+     .reply = characters(":WFD9E7F"),
+     .inquiry = characters(":RFD9E00"),
+     .answer = characters(":RFD9E7F"),
+     .meaning = "brightness 7F",
+     .answerMeaning = "answer: brightness 7F",
+     .save = characters(":rE1ED0000"),
+     .night = characters(":WFCC809:WFFE680"),
+     .day = characters(":WFFE6C0:WFCC808"),
+     .automatic = characters(":WFCC80A")},
 };
 
 class EveryBlock : public testing::TestWithParam<BlockEntry> {

@@ -46,6 +46,11 @@ std::string hexText(const Bytes& bytes) {
     return text;
 }
 
+/// Characters as the hex text of their bytes: ":W" gives "3A 57".
+inline std::string characters(const std::string& text) {
+    return hexText(std::vector<std::uint8_t>(text.begin(), text.end()));
+}
+
 /// Replies as "90 41 FF;90 51 FF".
 inline std::string hexText(const std::vector<WireFrame>& frames) {
     std::string text;
