@@ -2,6 +2,8 @@
 
 #include "simulator/Cmd7200Block.h"
 #include "simulator/Cmd8100Block.h"
+#include "simulator/It1Block.h"
+#include "simulator/It1ZoomBlock.h"
 #include "simulator/SonyEh4300Block.h"
 
 #include <algorithm>
@@ -17,6 +19,18 @@ std::unique_ptr<CameraBlock> make(const BlockSettings& settings) {
 }
 
 constexpr auto Entries = std::to_array<BlockEntry>({
+    {.moduleId = 2,
+     .name = "it1",
+     .portKey = "RS232",
+     .detail = "isInfrared=0;GPIO=0,12,1;TNF=0",
+     .make = &make<It1Block>},
+    {.moduleId = 9,
+     .name = "it1_zoom",
+     .portKey = "RS232",
+     .detail = "isInfrared=0;GPIO=0,12,1;TNF=0",
+     .make = &make<It1ZoomBlock>,
+     .companionPortKey = "RS485",
+     .makeCompanion = &make<LensMotorBlock>},
     {.moduleId = 11,
      .name = "sony_eh4300",
      .portKey = "RS485",

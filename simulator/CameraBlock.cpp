@@ -105,6 +105,7 @@ void CameraBlock::setLight(double lux, std::optional<Ambient> ambient) {
         m_Ambient = seen;
         ambientChanged();
     }
+    lightChanged();
 }
 
 void CameraBlock::reboot(std::int64_t now, bool loseState) {

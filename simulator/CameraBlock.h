@@ -135,7 +135,9 @@ protected:
     virtual void refuseFrame(std::span<const std::uint8_t> frame) = 0;
     /// Registers after a start: all of them with `loseState`, otherwise the volatile ones.
     virtual void resetRegisters(bool loseState) = 0;
+    /// The light has changed; where it got light or dark with it, that is told first.
     virtual void ambientChanged() {}
+    virtual void lightChanged() {}
     /// Leaves the line silent for so long, for a restart that is not the whole block's.
     void goSilent(std::int64_t now, std::int64_t duration);
 

@@ -285,7 +285,7 @@ void ViscaBlock::executeFrame(Bytes frame, std::int64_t now) {
         break;
     case MaskHeader:
         if (m_Masks.execute(frame)) {
-            reply(frame);
+            send(frame);
         }
         break;
     default:
@@ -384,7 +384,7 @@ void ViscaBlock::inquire(Bytes payload) {
         }
     }
     answerBytes[length++] = Terminator;
-    reply(Bytes(answerBytes).first(length));
+    send(Bytes(answerBytes).first(length));
 }
 
 void ViscaBlock::inquirePage(Bytes frame) {
@@ -395,7 +395,7 @@ void ViscaBlock::inquirePage(Bytes frame) {
     }
     const auto high = static_cast<std::uint8_t>(m_Values[index] >> 4 & 0x0fU);
     const auto low = static_cast<std::uint8_t>(m_Values[index] & 0x0fU);
-    reply(std::array<std::uint8_t, 7>{ReplyHeader, 0x50, 0x00, 0x00, high, low, Terminator});
+    send(std::array<std::uint8_t, 7>{ReplyHeader, 0x50, 0x00, 0x00, high, low, Terminator});
 }
 
 bool ViscaBlock::privateCommand(Bytes frame) {
@@ -434,25 +434,31 @@ void ViscaBlock::store(std::size_t index, std::uint32_t value) {
     }
 }
 
+void ViscaBlock::send(Bytes bytes, std::int64_t extraDelay) {
+    if (!m_Model.isMute) {
+        reply(bytes, extraDelay);
+    }
+}
+
 void ViscaBlock::acknowledge() {
-    reply(std::array<std::uint8_t, 3>{ReplyHeader, static_cast<std::uint8_t>(0x40 | m_Model.socket), Terminator});
+    send(std::array<std::uint8_t, 3>{ReplyHeader, static_cast<std::uint8_t>(0x40 | m_Model.socket), Terminator});
 }
 
 void ViscaBlock::answer(Outcome outcome) {
     const auto withSocket = [this](unsigned kind) { return static_cast<std::uint8_t>(kind | m_Model.socket); };
     switch (outcome) {
     case Outcome::SyntaxError:
-        reply(std::array<std::uint8_t, 4>{ReplyHeader, 0x60, 0x02, Terminator});
+        send(std::array<std::uint8_t, 4>{ReplyHeader, 0x60, 0x02, Terminator});
         break;
     case Outcome::NotExecutable:
-        reply(std::array<std::uint8_t, 4>{ReplyHeader, withSocket(0x60), 0x41, Terminator});
+        send(std::array<std::uint8_t, 4>{ReplyHeader, withSocket(0x60), 0x41, Terminator});
         break;
     case Outcome::Done:
         if (settings().habit != ReplyHabit::Complete) {
             acknowledge();
         }
         if (settings().habit != ReplyHabit::Acknowledge) {
-            reply(std::array<std::uint8_t, 3>{ReplyHeader, withSocket(0x50), Terminator}, settings().completionDelay);
+            send(std::array<std::uint8_t, 3>{ReplyHeader, withSocket(0x50), Terminator}, settings().completionDelay);
         }
         break;
     }

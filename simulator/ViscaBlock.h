@@ -80,6 +80,8 @@ struct ViscaModel {
     bool hasRestartCommand = false;
     /// Takes frames 7F for registers addressed by a page.
     bool hasPages = false;
+    /// Never answers anything.
+    bool isMute = false;
     /// Low digit of the second byte of an acknowledgement, completion or refusal.
     std::uint8_t socket = 1;
     /// Registers of the infrared board's lamps, in percent.
@@ -142,6 +144,7 @@ private:
     void inquirePage(std::span<const std::uint8_t> frame);
     bool privateCommand(std::span<const std::uint8_t> frame);
     void store(std::size_t index, std::uint32_t value);
+    void send(std::span<const std::uint8_t> bytes, std::int64_t extraDelay = 0);
     void acknowledge();
     void answer(Outcome outcome);
 

@@ -80,6 +80,30 @@ const Sample Samples[] = {
      .night = characters(":WFCC809:WFFE680"),
      .day = characters(":WFFE6C0:WFCC808"),
      .automatic = characters(":WFCC80A")},
+    {.name = "it1",
+     .reg = "longest shutter",
+     .value = 0x1eb0,
+     .set = "09 01 06 02 0A 08 B0 1E F2",
+     .reply = "05 01 02 01 09",
+     .inquiry = "08 01 05 01 0A 08 02 23",
+     .answer = "07 01 04 01 B0 1E DB",
+     .meaning = "longest shutter 1EB0",
+     .answerMeaning = "answer: longest shutter 1EB0",
+     .night = "08 01 05 02 14 11 00 35 08 01 05 02 14 12 00 36 08 01 05 02 01 01 55 67",
+     .day = "08 01 05 02 01 01 15 27",
+     .automatic = "08 01 05 02 14 11 32 67 08 01 05 02 14 12 B8 EE"},
+    {.name = "it1_zoom",
+     .reg = "longest shutter",
+     .value = 0x1eb0,
+     .set = "09 01 06 02 0A 08 B0 1E F2",
+     .reply = "05 01 02 01 09",
+     .inquiry = "08 01 05 01 0A 08 02 23",
+     .answer = "07 01 04 01 B0 1E DB",
+     .meaning = "longest shutter 1EB0",
+     .answerMeaning = "answer: longest shutter 1EB0",
+     .night = "08 01 05 02 14 11 00 35 08 01 05 02 14 12 00 36 08 01 05 02 01 01 55 67",
+     .day = "08 01 05 02 01 01 15 27",
+     .automatic = "08 01 05 02 14 11 32 67 08 01 05 02 14 12 B8 EE"},
 };
 
 class EveryBlock : public testing::TestWithParam<BlockEntry> {
@@ -196,9 +220,9 @@ TEST_P(EveryBlock, PictureFollowsTheHostOrTheLight) {
     ask(m_Sample.automatic);
     EXPECT_TRUE(decides());
     EXPECT_EQ(picture(), Picture::Night);
-    block([](CameraBlock& b) { b.setLight(25); });
+    block([](CameraBlock& b) { b.setLight(1000); });
     EXPECT_EQ(picture(), Picture::Day);
-    block([](CameraBlock& b) { b.setLight(19); });
+    block([](CameraBlock& b) { b.setLight(0.5); });
     EXPECT_EQ(picture(), Picture::Night);
 }
 
