@@ -56,22 +56,30 @@ int BlockPort::setParameter(int handle, int baudRate, int dataBits, int parity, 
     return 1;
 }
 
-camerasim::InProcessLine& BlockPort::lineOf(int handle) {
-    return handle == SecondHandle && m_pCompanion != nullptr ? *m_pCompanion : m_Line;
+camerasim::InProcessLine* BlockPort::lineOf(int handle) {
+    if (handle == SecondHandle)
+        return m_pCompanion.get();
+    return handle == Handle ? &m_Line : nullptr;
 }
 
 int BlockPort::send(int handle, const char* bytes, int length) {
+    camerasim::InProcessLine* const line = lineOf(handle);
+    if (line == nullptr)
+        return -1;
     {
         const std::lock_guard lock(m_Mutex);
         m_Sent.push_back(toHex(bytes, length));
     }
-    return static_cast<int>(lineOf(handle).send(asBytes(bytes, length)));
+    return static_cast<int>(line->send(asBytes(bytes, length)));
 }
 
 int BlockPort::recv(int handle, char* buffer, int length, int timeout) {
+    camerasim::InProcessLine* const line = lineOf(handle);
+    if (line == nullptr)
+        return -1;
     ++m_nReceives;
     return static_cast<int>(
-        lineOf(handle).recv({reinterpret_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(length)}, timeout));
+        line->recv({reinterpret_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(length)}, timeout));
 }
 
 std::vector<std::string> BlockPort::takeSent() {

@@ -58,7 +58,8 @@ public:
 private:
     BlockPort(std::unique_ptr<camerasim::CameraBlock> block, std::unique_ptr<camerasim::CameraBlock> companion);
 
-    camerasim::InProcessLine& lineOf(int handle);
+    /// Null for a handle that open did not give.
+    camerasim::InProcessLine* lineOf(int handle);
 
     HostTime m_Time;
     camerasim::InProcessLine m_Line;
