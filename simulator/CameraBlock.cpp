@@ -10,6 +10,12 @@ constexpr std::size_t LoggedFrames = 4096;
 constexpr double DarkLux = 0.2;
 constexpr double DuskLux = 20;
 
+/// Bytes and text alike, as far as both reach.
+bool startsLike(std::span<const std::uint8_t> bytes, std::string_view text) {
+    const std::size_t common = std::min(bytes.size(), text.size());
+    return std::equal(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(common), bytes.begin());
+}
+
 } // namespace
 
 CameraBlock::CameraBlock(const BlockSettings& settings) : m_Settings(settings) {}
@@ -33,7 +39,7 @@ std::size_t CameraBlock::feed(std::span<const std::uint8_t> bytes, std::int64_t 
 bool CameraBlock::nextFrame(std::int64_t now) {
     while (m_Input.length > 0) {
         const WireFrame& input = m_Input;
-        Cut found = cut(input.bytes());
+        Cut found = judge(input.bytes());
         if (found.kind == Cut::Kind::Unfinished) {
             if (m_Input.length < WireFrame::Capacity) {
                 return false;
@@ -60,11 +66,26 @@ bool CameraBlock::nextFrame(std::int64_t now) {
     return false;
 }
 
+CameraBlock::Cut CameraBlock::judge(std::span<const std::uint8_t> bytes) const {
+    if (!startsLike(bytes, PanTiltStop)) {
+        return cut(bytes);
+    }
+    return bytes.size() < PanTiltStop.size() ? Cut{Cut::Kind::Unfinished, 0}
+                                             : Cut{Cut::Kind::Frame, PanTiltStop.size()};
+}
+
+std::string CameraBlock::describe(std::span<const std::uint8_t> frame) const {
+    return frame.size() == PanTiltStop.size() && startsLike(frame, PanTiltStop) ? "pan/tilt stop"
+                                                                                : describeFrame(frame);
+}
+
 void CameraBlock::execute(std::int64_t now, std::vector<WireFrame>& replies) {
     m_pReplies = &replies;
     m_nReplyBase = now;
     const WireFrame& command = m_Frame;
-    executeFrame(command.bytes(), now);
+    if (!startsLike(command.bytes(), PanTiltStop)) {
+        executeFrame(command.bytes(), now);
+    }
     m_pReplies = nullptr;
 }
 
@@ -72,7 +93,9 @@ void CameraBlock::refuse(std::int64_t now, std::vector<WireFrame>& replies) {
     m_pReplies = &replies;
     m_nReplyBase = now;
     const WireFrame& command = m_Frame;
-    refuseFrame(command.bytes());
+    if (!startsLike(command.bytes(), PanTiltStop)) {
+        refuseFrame(command.bytes());
+    }
     m_pReplies = nullptr;
 }
 
@@ -143,7 +166,7 @@ void CameraBlock::clearReceived() {
 std::size_t CameraBlock::frameLength(std::span<const std::uint8_t> bytes) const {
     std::size_t garbage = 0;
     while (garbage < bytes.size()) {
-        const Cut found = cut(bytes.subspan(garbage));
+        const Cut found = judge(bytes.subspan(garbage));
         if (found.kind != Cut::Kind::Garbage && garbage > 0) {
             return garbage;
         }
@@ -159,7 +182,7 @@ std::size_t CameraBlock::frameLength(std::span<const std::uint8_t> bytes) const 
 }
 
 bool CameraBlock::startsWithFrame(std::span<const std::uint8_t> bytes) const {
-    return !bytes.empty() && cut(bytes).kind == Cut::Kind::Frame;
+    return !bytes.empty() && judge(bytes).kind == Cut::Kind::Frame;
 }
 
 void CameraBlock::reply(std::span<const std::uint8_t> bytes, std::int64_t extraDelay) {

@@ -103,7 +103,7 @@ public:
     /// Forgets the frames received and the dropped count.
     void clearReceived();
     /// Human meaning of a frame of the host, for example "brightness 07" or "inquiry day/night". Never empty.
-    virtual std::string describe(std::span<const std::uint8_t> frame) const = 0;
+    std::string describe(std::span<const std::uint8_t> frame) const;
     /// The same for a frame of the block, or a part of one; `command` is what the host sent last, maybe nothing.
     virtual std::string describeReply(std::span<const std::uint8_t> reply,
                                       std::span<const std::uint8_t> command) const = 0;
@@ -128,11 +128,17 @@ protected:
         std::size_t length = 0;
     };
 
+    /// What a host sends to the pan and tilt units that may share a line, six characters without an end. Every block
+    /// lets it pass as a frame that it has nothing to say to: cut, executeFrame, refuseFrame and describeFrame never
+    /// see it.
+    static constexpr std::string_view PanTiltStop = "MENUON";
+
     /// Judges the received bytes (never empty). Garbage is dropped and the rest judged again, so that answering one
     /// garbage byte at a time resynchronises on any later frame.
     virtual Cut cut(std::span<const std::uint8_t> bytes) const = 0;
     virtual void executeFrame(std::span<const std::uint8_t> frame, std::int64_t now) = 0;
     virtual void refuseFrame(std::span<const std::uint8_t> frame) = 0;
+    virtual std::string describeFrame(std::span<const std::uint8_t> frame) const = 0;
     /// Registers after a start: all of them with `loseState`, otherwise the volatile ones.
     virtual void resetRegisters(bool loseState) = 0;
     /// The light has changed; where it got light or dark with it, that is told first.
@@ -147,6 +153,7 @@ protected:
 private:
     static constexpr double LitLux = 300;
 
+    Cut judge(std::span<const std::uint8_t> bytes) const;
     void dropHead(std::size_t count);
 
     BlockSettings m_Settings;

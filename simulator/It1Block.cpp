@@ -260,7 +260,7 @@ std::string It1Block::describeRegister(std::uint32_t address, std::size_t count)
            hexNumber(address, 4);
 }
 
-std::string It1Block::describe(Bytes frame) const {
+std::string It1Block::describeFrame(Bytes frame) const {
     const bool hasForm = (frame.size() == ShortCommand || frame.size() == LongCommand) && frame[0] == frame.size() &&
                          isCommandHead(frame);
     if (!hasForm) {

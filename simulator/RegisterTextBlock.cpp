@@ -163,8 +163,9 @@ std::size_t RegisterTextBlock::frameSize(Bytes bytes) const {
 CameraBlock::Cut RegisterTextBlock::cut(Bytes bytes) const {
     constexpr Cut Unfinished{Cut::Kind::Unfinished, 0};
     if (bytes[0] != ':') {
-        return {Cut::Kind::Garbage,
-                static_cast<std::size_t>(std::find(bytes.begin(), bytes.end(), ':') - bytes.begin())};
+        const auto next = std::find_if(bytes.begin() + 1, bytes.end(),
+                                       [](std::uint8_t byte) { return byte == ':' || byte == PanTiltStop.front(); });
+        return {Cut::Kind::Garbage, static_cast<std::size_t>(next - bytes.begin())};
     }
     if (bytes.size() == 1) {
         return Unfinished;
@@ -242,7 +243,7 @@ std::string RegisterTextBlock::valueText(std::size_t index, std::uint32_t value)
     return word.empty() ? hexNumber(value, static_cast<int>(row.digits)) : std::string(word);
 }
 
-std::string RegisterTextBlock::describe(Bytes frame) const {
+std::string RegisterTextBlock::describeFrame(Bytes frame) const {
     if (textOf(frame) == StoreCommand) {
         return "store the settings";
     }

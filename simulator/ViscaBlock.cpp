@@ -8,7 +8,6 @@
 //   FE 01 1E 02 06 32 59 FF      infrared board: selector 06, value 32, sum of the five bytes before; answered 90 41 FF
 //   FE 05 03 01 01 0A FF         restart, never answered
 //   A1 04 03 FF                  mask unit, answered by its own bytes
-//   MENUON                       stops pan and tilt; six characters without a terminator, never answered
 //
 // Errors are answered 90 60 02 FF (the frame makes no sense) or 90 61 41 FF (no such register). The low digit of 41, 51
 // and 61 is the model's socket. The infrared board answers nothing to a wrong sum. A header byte 81 never occurs inside
@@ -258,13 +257,8 @@ CameraBlock::Cut ViscaBlock::cut(Bytes bytes) const {
         return m_Model.hasPrivateRestart && startsLike(bytes, RestartStart) ? fixed(7) : Garbage;
     case MaskHeader:
         return m_Model.hasMaskUnit ? fixed(MaskUnit::FrameLength) : Garbage;
-    default: {
-        const std::size_t common = std::min(bytes.size(), PanTiltStop.size());
-        if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(common), PanTiltStop.begin())) {
-            return Garbage;
-        }
-        return common < PanTiltStop.size() ? Unfinished : Cut{Cut::Kind::Frame, common};
-    }
+    default:
+        return Garbage;
     }
 }
 

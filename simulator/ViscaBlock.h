@@ -108,7 +108,6 @@ public:
     std::string videoSystem() const override;
     bool setVideoSystem(std::string_view text) override;
 
-    std::string describe(std::span<const std::uint8_t> frame) const override;
     std::string describeReply(std::span<const std::uint8_t> reply,
                               std::span<const std::uint8_t> command) const override;
     std::size_t replyLength(std::span<const std::uint8_t> bytes) const override;
@@ -120,6 +119,7 @@ protected:
     Cut cut(std::span<const std::uint8_t> bytes) const override;
     void executeFrame(std::span<const std::uint8_t> frame, std::int64_t now) override;
     void refuseFrame(std::span<const std::uint8_t> frame) override;
+    std::string describeFrame(std::span<const std::uint8_t> frame) const override;
     void resetRegisters(bool loseState) override;
     void ambientChanged() override;
 

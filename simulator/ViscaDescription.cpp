@@ -35,10 +35,7 @@ std::string ViscaBlock::valueText(const ViscaRegister& row, std::uint32_t value)
     return parts.empty() ? hexNumber(value) : parts;
 }
 
-std::string ViscaBlock::describe(Bytes frame) const {
-    if (frame.size() == PanTiltStop.size() && std::equal(frame.begin(), frame.end(), PanTiltStop.begin())) {
-        return "pan/tilt stop";
-    }
+std::string ViscaBlock::describeFrame(Bytes frame) const {
     if (frame.size() == MaskUnit::FrameLength && frame[0] == MaskHeader) {
         return MaskUnit::describe(frame);
     }

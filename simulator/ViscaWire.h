@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <numeric>
 #include <span>
-#include <string_view>
 
 /// What ViscaBlock's frames are made of; see ViscaBlock.cpp.
 namespace camerasim::visca {
@@ -18,7 +17,6 @@ inline constexpr std::uint8_t PrivateHeader = 0xfe;
 inline constexpr std::uint8_t MaskHeader = 0xa1;
 inline constexpr std::uint8_t Terminator = 0xff;
 inline constexpr std::size_t LongestCommand = 16;
-inline constexpr std::string_view PanTiltStop = "MENUON";
 
 /// Second byte of a frame 81.
 inline constexpr std::uint8_t Setting = 0x01;

@@ -176,6 +176,19 @@ TEST_P(EveryBlock, SettingsAreHeldAskedForAndTold) {
     });
 }
 
+TEST_P(EveryBlock, WordsToPanAndTiltPass) {
+    const std::string words = characters("MENUON");
+    fault("refuse@2");
+    EXPECT_EQ(ask(words), "");
+    EXPECT_EQ(ask(words), "");
+    EXPECT_EQ(ask(characters("MENU") + " " + words + " " + m_Sample.set), m_Sample.reply);
+    block([&](CameraBlock& b) {
+        EXPECT_EQ(b.receivedFrameCount(), 4U);
+        EXPECT_EQ(b.droppedBytes(), 4U);
+        EXPECT_EQ(b.describe(wire(words)), "pan/tilt stop");
+    });
+}
+
 TEST_P(EveryBlock, RestartIsSilentAndLosesWhatItShould) {
     const std::uint32_t factory = value();
     makeLine(BlockSettings{.bootTime = 4'000'000});
