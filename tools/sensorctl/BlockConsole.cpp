@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Output.h"
+#include "SceneConsole.h"
 #include "TargetOptions.h"
 #include "TraceLine.h"
 
@@ -26,6 +27,7 @@ struct CommandRow {
 constexpr auto Commands = std::to_array<CommandRow>({
     {"dark", "dark", "it gets dark at the block's sensor", 0},
     {"light", "light", "it gets light", 0},
+    {"scene", "scene [LUX]", "the light there, and what the block makes of it", 1},
     {"fault", "fault PLAN|clear", "faults from the next exchange on, or none any more", 1},
     {"block", "block [NAME|HEX]", "the block's registers: address, value, name", 9},
     {"received", "received", "the frames that the block got whole", 0},
@@ -74,6 +76,12 @@ void BlockConsole::execute(const std::string& command, std::span<const std::stri
     if (command == "dark" || command == "light") {
         const auto ambient = command == "dark" ? camerasim::Ambient::Dark : camerasim::Ambient::Light;
         m_Server.withBlock([&](camerasim::CameraBlock& block, std::int64_t) { block.setAmbient(ambient); });
+    } else if (command == "scene") {
+        if (!words.empty()) {
+            const double lux = SceneConsole::parseLux(words[0]);
+            m_Server.withBlock([&](camerasim::CameraBlock& block, std::int64_t) { block.setLight(lux); });
+        }
+        showScene();
     } else if (command == "fault") {
         addFaults(words);
     } else if (command == "block") {
@@ -96,11 +104,36 @@ void BlockConsole::execute(const std::string& command, std::span<const std::stri
     }
 }
 
+void BlockConsole::showScene() {
+    nlohmann::ordered_json object;
+    std::string text;
+    m_Server.withBlock([&](const camerasim::CameraBlock& block, std::int64_t) {
+        const std::string picture = block.picture() == camerasim::Picture::Day ? "day" : "night";
+        const std::string decides = block.decidesDayNight() ? "block" : "host";
+        const std::optional<int> lamps = block.lamps();
+        char light[32];
+        std::snprintf(light, sizeof light, "scene %g lux", block.light());
+        text = light + (" picture " + picture) + " by " + decides;
+        object["lux"] = block.light();
+        object["picture"] = picture;
+        object["by"] = decides;
+        object["lamps"] = lamps ? nlohmann::ordered_json(*lamps) : nlohmann::ordered_json();
+        object["videoSystem"] = block.videoSystem();
+        text += lamps ? " lamps " + std::to_string(*lamps) : "";
+        text += block.videoSystem().empty() ? "" : " video " + block.videoSystem();
+    });
+    m_Output.record(text, object);
+}
+
 void BlockConsole::showRegisters(std::span<const std::string> words) {
     const std::string wanted = joined(words);
     bool isFound = false;
-    for (const camerasim::RegisterState& state :
-         m_Server.withBlock([](camerasim::CameraBlock&block, std::int64_t) { return block.registers(); })) {
+    std::vector<camerasim::RegisterState> states;
+    forEachBlock([&](const camerasim::CameraBlock& block) {
+        const std::vector<camerasim::RegisterState> its = block.registers();
+        states.insert(states.end(), its.begin(), its.end());
+    });
+    for (const camerasim::RegisterState& state : states) {
         if (!wanted.empty() && ::strcasecmp(wanted.c_str(), state.name.c_str()) != 0 &&
             ::strcasecmp(wanted.c_str(), hex(state.address).c_str()) != 0)
             continue;
@@ -121,7 +154,7 @@ void BlockConsole::showReceived() {
         std::string meaning;
     };
     std::vector<Received> frames;
-    m_Server.withBlock([&](camerasim::CameraBlock& block, std::int64_t) {
+    forEachBlock([&](const camerasim::CameraBlock& block) {
         for (const camerasim::WireFrame& frame : block.receivedFrames())
             frames.push_back({hexText(frame.bytes()), block.describe(frame.bytes())});
     });

@@ -43,14 +43,18 @@ void SceneConsole::execute(const std::string& command, std::span<const std::stri
         show();
         return;
     }
-    if (command == "scene") {
-        const std::string& text = words[0];
-        const auto result = std::from_chars(text.data(), text.data() + text.size(), lux);
-        if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !(lux >= 0 && lux <= MostLux))
-            throw Failure(Usage, "scene: \"" + text + "\" is no light in lux", {"accepted: 0 to 200000"});
-    }
+    if (command == "scene")
+        lux = parseLux(words[0]);
     ImagingStandIn::getInstance().setScene(lux);
     show();
+}
+
+double SceneConsole::parseLux(const std::string& text) {
+    double lux = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), lux);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !(lux >= 0 && lux <= MostLux))
+        throw Failure(Usage, "scene: \"" + text + "\" is no light in lux", {"accepted: 0 to 200000"});
+    return lux;
 }
 
 void SceneConsole::show() {

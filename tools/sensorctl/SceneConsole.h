@@ -11,6 +11,9 @@ class SceneConsole final : public ModuleConsole {
 public:
     explicit SceneConsole(Output& output) : m_Output(output) {}
 
+    /// A light in lux that a user wrote; throws Failure if it is none.
+    static double parseLux(const std::string& text);
+
     /// A pipeline as it is after power-up, before a lit scene.
     static void start();
 

@@ -103,7 +103,7 @@ void Session::startBlock() {
 
 std::unique_ptr<ModuleConsole> Session::console() {
     if (m_pBlock != nullptr)
-        return std::make_unique<BlockConsole>(m_Output, *m_pBlock);
+        return std::make_unique<BlockConsole>(m_Output, *m_pBlock, m_pCompanion.get());
     return m_Options.isOnChip() ? std::make_unique<SceneConsole>(m_Output) : nullptr;
 }
 

@@ -79,8 +79,8 @@ void save(camerasim::PtyServer& server, const std::string& path) {
 }
 
 /// Takes commands until quit, the end of the input or a signal.
-void serve(Output& output, camerasim::PtyServer& server) {
-    BlockConsole console(output, server);
+void serve(Output& output, camerasim::PtyServer& server, camerasim::PtyServer* companion) {
+    BlockConsole console(output, server, companion);
     InputLines input;
     std::string text;
     while (output.isWritable() && input.next(text) == InputLines::Result::Line) {
@@ -166,7 +166,7 @@ int simulate(Output& output, const SimulateOptions& options) {
     if (second != nullptr)
         object["secondPort"] = second->portPath();
     output.record(server.portPath() + (second != nullptr ? ' ' + second->portPath() : ""), object);
-    serve(output, server);
+    serve(output, server, second.get());
     save(server, options.stateFile);
     server.stop();
     return Done;
