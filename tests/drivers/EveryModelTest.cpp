@@ -27,7 +27,7 @@ protected:
         m_nInit = m_pController->init(0,
                                       ModuleConfigure(GetParam(),
                                                       "RS485=p;RS232=p;isInfrared=0;generation=3;GPIO=0,1,1;autoIris=0",
-                                                      "RS485=9600,8,1,0"),
+                                                      "RS485=9600,8,1,0;RS232=9600,8,1,0"),
                                       VideoResolution(1920, 1080));
     }
     ~EveryModel() override {
@@ -66,7 +66,7 @@ TEST_P(EveryModel, ComesUpReportsItsIdAndServesItsTable) {
         SCOPED_TRACE(parameter.name);
         int value = INT_MIN;
         const int isRead = m_pController->getParameterFromSensor(parameter.id, value);
-        EXPECT_EQ(isRead == 1, parameter.factoryValue.has_value() || parameter.kind != IdManager::SetOnly);
+        EXPECT_EQ(isRead == 1, !parameter.isCommand);
         if (parameter.factoryValue) {
             EXPECT_EQ(value, *parameter.factoryValue);
         }
