@@ -398,6 +398,8 @@ void DriverServices::waitForRestart(ISensorController& controller, int seconds) 
     wait(controller, BreltoTime(seconds, 0));
 }
 
+void DriverServices::putInForce(ISensorController& controller, int status) { controller.m_pRooms->putInForce(status); }
+
 void DriverServices::tellPort(ISensorController& controller, bool works) { controller.m_pRooms->journal.port(works); }
 
 } // namespace sensorcontrol

@@ -18,6 +18,9 @@ public:
     /// The same for the time in which the module restarts, which the start's progress tells.
     static void waitForRestart(ISensorController& controller, int seconds);
 
+    /// A module that decides day and night by itself has told which it is: 1 day, 0 night, -1 unknown.
+    static void putInForce(ISensorController& controller, int status);
+
     /// Whether the port took and gave bytes as a port does. A silent module's port works.
     static void tellPort(ISensorController& controller, bool works);
 };
