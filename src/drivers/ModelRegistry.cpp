@@ -3,6 +3,7 @@
 #include "controller/ModelCatalogue.h"
 #include "drivers/ParameterTable.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
+#include "drivers/regtext/CMD7200SenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
 #include "drivers/visca/SONYEH4300SenseController.h"
 
@@ -59,12 +60,13 @@ consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
     return rows;
 }
 
-constexpr auto Rows = catalogue<BreltoISPSenseController, CMD8100SenseController, SONYEH4300SenseController>({
-    {17, {.isParameterAccessClosed = true}},
-    {19, {.filterOffAtFactory = true}},
-    {21, {.edgesOffWithFilter = true}},
-    {24, {.filterOffAtFactory = true}},
-});
+constexpr auto Rows =
+    catalogue<BreltoISPSenseController, CMD8100SenseController, SONYEH4300SenseController, CMD7200SenseController>({
+        {17, {.isParameterAccessClosed = true}},
+        {19, {.filterOffAtFactory = true}},
+        {21, {.edgesOffWithFilter = true}},
+        {24, {.filterOffAtFactory = true}},
+    });
 
 } // namespace
 
