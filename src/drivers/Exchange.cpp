@@ -19,7 +19,7 @@ void record(ISensorController& controller, std::span<const char> bytes) {
 Answer answerOf(const Attempt& made) {
     switch (made.outcome) {
     case Outcome::Done:
-        return Answer::Accepted;
+        return made.reply.empty() ? Answer::NotRead : Answer::Accepted;
     case Outcome::ShortSend:
         return Answer::PortFailed;
     case Outcome::Silent:

@@ -6,7 +6,7 @@
 #include <atomic>
 
 /// The CMD7200 camera block, module 22. It decides day and night by itself.
-class SENSORCONTROL_API CMD7200SenseController final : public sensorcontrol::RegisterTextController<ISensorController> {
+class SENSORCONTROL_API CMD7200SenseController : public sensorcontrol::RegisterTextController<ISensorController> {
 public:
     static constexpr int ModuleIds[] = {22};
     static constexpr sensorcontrol::ControllerTraits Traits{};
