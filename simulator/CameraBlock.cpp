@@ -7,8 +7,6 @@ namespace camerasim {
 namespace {
 
 constexpr std::size_t LoggedFrames = 4096;
-constexpr double DarkLux = 0.2;
-constexpr double DuskLux = 20;
 
 /// Bytes and text alike, as far as both reach.
 bool startsLike(std::span<const std::uint8_t> bytes, std::string_view text) {
@@ -117,18 +115,6 @@ std::optional<std::uint32_t> CameraBlock::registerValue(std::string_view name) c
         }
     }
     return std::nullopt;
-}
-
-void CameraBlock::setAmbient(Ambient ambient) { setLight(ambient == Ambient::Dark ? DarkLux : LitLux, ambient); }
-
-void CameraBlock::setLight(double lux, std::optional<Ambient> ambient) {
-    const Ambient seen = ambient.value_or(lux < DuskLux ? Ambient::Dark : Ambient::Light);
-    m_dLux = lux;
-    if (m_Ambient != seen) {
-        m_Ambient = seen;
-        ambientChanged();
-    }
-    lightChanged();
 }
 
 void CameraBlock::reboot(std::int64_t now, bool loseState) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/BlockScene.h"
 #include "simulator/BlockSettings.h"
 #include "simulator/WireFrame.h"
 
@@ -22,19 +23,13 @@ struct RegisterState {
     bool persistent = true;
 };
 
-/// The picture of a block: in colour by day, black and white and sensitive to infrared by night.
-enum class Picture { Day, Night };
-
 /// A simulated camera block, seen from its serial line: it takes bytes, keeps registers and makes replies.
 ///
 /// It reads no clock: every call that needs the time is given it, in microseconds. It has no lock: InProcessLine and
 /// PtyServer guard it, and their withBlock gives safe access.
-class CameraBlock {
+class CameraBlock : public BlockScene {
 public:
     explicit CameraBlock(const BlockSettings& settings);
-    virtual ~CameraBlock() = default;
-    CameraBlock(const CameraBlock&) = delete;
-    CameraBlock& operator=(const CameraBlock&) = delete;
 
     /// Short name of the model, for example "cmd8100"; it heads a saved state.
     virtual std::string_view modelName() const = 0;
@@ -62,29 +57,6 @@ public:
     virtual bool setRegister(std::uint32_t address, std::uint32_t value) = 0;
     /// Every register, in address order.
     virtual std::vector<RegisterState> registers() const = 0;
-
-    /// The picture in force, whether the host commanded it or the block chose it.
-    virtual Picture picture() const = 0;
-    /// Whether the block goes by the light at its own sensor; otherwise the host commands the picture.
-    virtual bool decidesDayNight() const = 0;
-    /// Whether the block moves its infrared filter with the picture; otherwise that is the host's.
-    virtual bool movesFilter() const { return true; }
-    /// Percent of power at which its lamps are lit; nothing if it has none.
-    virtual std::optional<int> lamps() const { return std::nullopt; }
-    /// Video system in force: "PAL", "NTSC", or a text of the model's own; empty if the block has none.
-    virtual std::string videoSystem() const { return {}; }
-    /// Puts the block into a video system as if a host had brought it up in it before, so that the next host finds
-    /// nothing to restart it for. False if it does not know the text.
-    virtual bool setVideoSystem(std::string_view) { return false; }
-
-    /// Lets it be light (300 lux) or dark (0.2 lux) at the block's sensor. Its day/night report follows while it
-    /// decides for itself, its gain or light index in any case.
-    void setAmbient(Ambient ambient);
-    /// The same for any light in lux, at least 0. Whether the block's own sensor takes it for light may be told;
-    /// otherwise it is dark below 20 lux.
-    void setLight(double lux, std::optional<Ambient> ambient = std::nullopt);
-    Ambient ambient() const { return m_Ambient; }
-    double light() const { return m_dLux; }
 
     /// Restarts the block: silent for the boot time, unanswered commands forgotten. With loss of state every register
     /// returns to its factory value, otherwise only the volatile ones do.
@@ -141,9 +113,6 @@ protected:
     virtual std::string describeFrame(std::span<const std::uint8_t> frame) const = 0;
     /// Registers after a start: all of them with `loseState`, otherwise the volatile ones.
     virtual void resetRegisters(bool loseState) = 0;
-    /// The light has changed; where it got light or dark with it, that is told first.
-    virtual void ambientChanged() {}
-    virtual void lightChanged() {}
     /// Leaves the line silent for so long, for a restart that is not the whole block's.
     void goSilent(std::int64_t now, std::int64_t duration);
 
@@ -151,8 +120,6 @@ protected:
     void reply(std::span<const std::uint8_t> bytes, std::int64_t extraDelay = 0);
 
 private:
-    static constexpr double LitLux = 300;
-
     Cut judge(std::span<const std::uint8_t> bytes) const;
     void dropHead(std::size_t count);
 
@@ -164,8 +131,6 @@ private:
     std::int64_t m_nLastByte = 0;
     std::int64_t m_nUpAt = 0;
     bool m_bPower = true;
-    Ambient m_Ambient = Ambient::Light;
-    double m_dLux = LitLux;
     unsigned m_nPowerChanges = 0;
     std::vector<WireFrame> m_Log;
     std::uint64_t m_nReceived = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/ViscaBlock.h"
+#include "simulator/ViscaModel.h"
 
 #include <algorithm>
 #include <array>
