@@ -11,7 +11,7 @@ namespace sensorcontrol {
 namespace {
 
 constexpr int LargestPiece = 20;
-constexpr int MostDrained = 4000; ///< bytes; a port that goes on beyond is no module
+constexpr int MostDrained = 5120; ///< bytes; a port that goes on beyond is no module
 
 } // namespace
 
