@@ -36,7 +36,10 @@ constexpr int RestartSeconds = 20;
 bool isAccepted(std::span<const char>, std::span<const char> reply) {
     static constexpr char Acknowledgement[] = {'\x90', 0x41, '\xff'};
     static constexpr char Completion[] = {'\x90', 0x51, '\xff'};
-    return !std::ranges::search(reply, Acknowledgement).empty() || !std::ranges::search(reply, Completion).empty();
+    const auto holds = [reply](std::span<const char> answer) {
+        return std::search(reply.begin(), reply.end(), answer.begin(), answer.end()) != reply.end();
+    };
+    return holds(Acknowledgement) || holds(Completion);
 }
 
 void reportSetting(const SerialLine& line, const ExchangeRule& rule, int number, std::span<const char> command,
