@@ -19,10 +19,12 @@ constexpr int extractBits(int word, int first, int width) {
     return static_cast<int>(static_cast<std::uint32_t>(word) >> first & mask);
 }
 
+class ShadowRegister;
+
 /// Bits of a register that several settings share. What the register holds beside them is kept in a shadow, which a
 /// write changes and a read refills.
 struct BitField {
-    int& (*shadow)(ISensorController&) = nullptr;
+    ShadowRegister& (*shadow)(ISensorController&) = nullptr;
     std::uint8_t first = 0;
     std::uint8_t width = 0; ///< 0: the whole register, no shadow
 

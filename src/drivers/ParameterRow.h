@@ -70,6 +70,7 @@ struct ParameterRow {
     Message refusal{}; ///< regular: the model's refusal text, if it has one
 
     Conditions onlyWhile{};
+    Message keptText = Silent; ///< said when a condition keeps the value from being sent
 
     FramePattern send{};
     ValueMap value{}; ///< what `send` and `set` get

@@ -1,6 +1,7 @@
 #include "drivers/ParameterTable.h"
 
 #include "controller/Recorder.h"
+#include "drivers/ShadowRegister.h"
 #include "host/BreltoTime.h"
 #include "host/GlobalEnv.h"
 
@@ -67,13 +68,14 @@ bool readStored(ISensorController& controller, std::span<const std::int16_t> ids
     return true;
 }
 
-/// The number in the place of a field, with what the register holds beside it; the shadow takes it over.
-int placed(ISensorController& controller, const BitField& field, int number) {
-    if (field.isWhole())
-        return number;
-    int& shadow = field.shadow(controller);
-    shadow = replaceBits(shadow, number, field.first, field.width);
-    return shadow;
+/// Sends a frame with a number in its places; of a field with what the register holds beside it.
+int sendFrame(ISensorController& controller, const ModelDescription& model, const FramePattern& pattern,
+              const BitField& field, int number, std::span<const int> stored = {}) {
+    const auto send = [&](int word) {
+        const FramePattern::Frame frame = pattern.build(word, stored);
+        return model.transmit(controller, frame.data(), static_cast<int>(pattern.size()));
+    };
+    return field.isWhole() ? send(number) : field.shadow(controller).change(number, field.first, field.width, send);
 }
 
 } // namespace
@@ -148,15 +150,15 @@ int ParameterTable::get(ISensorController& controller, const ModelDescription& m
 
 int ParameterTable::read(ISensorController& controller, const ModelDescription& model, const Reading& reading,
                          int& value) {
-    const FramePattern::Frame frame = reading.inquiry.build(0);
+    const auto ask = [&](int& number) {
+        const FramePattern::Frame frame = reading.inquiry.build(0);
+        return model.inquire(controller, frame.data(), static_cast<int>(reading.inquiry.size()), number);
+    };
+    const BitField& field = reading.field;
     int number = 0;
-    if (!model.inquire(controller, frame.data(), static_cast<int>(reading.inquiry.size()), number))
+    if (!(field.isWhole() ? ask(number) : field.shadow(controller).refill(number, ask)))
         return 0;
-    if (!reading.field.isWhole()) {
-        reading.field.shadow(controller) = number;
-        number = extractBits(number, reading.field.first, reading.field.width);
-    }
-    value = reading.value(number);
+    value = reading.value(field.isWhole() ? number : extractBits(number, field.first, field.width));
     return 1;
 }
 
@@ -215,6 +217,7 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
         return 0;
     }
     if (!counts) {
+        say(controller, row.keptText, value);
         if (recorder::isListening())
             recorder::keep(describe(row.onlyWhile, model));
         return 1;
@@ -230,10 +233,8 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
 
 int ParameterTable::transmit(ISensorController& controller, const ModelDescription& model, const ParameterRow& row,
                              int value, std::span<const int> stored) {
-    if (!row.send.empty()) {
-        const FramePattern::Frame frame = row.send.build(placed(controller, row.field, row.value(value)), stored);
-        return model.transmit(controller, frame.data(), static_cast<int>(row.send.size()));
-    }
+    if (!row.send.empty())
+        return sendFrame(controller, model, row.send, row.field, row.value(value), stored);
     return sendSteps(controller, model, row.steps, value);
 }
 
@@ -242,8 +243,7 @@ int ParameterTable::sendSteps(ISensorController& controller, const ModelDescript
     for (const Step& step : steps) {
         if (!step.when.contains(value))
             continue;
-        const FramePattern::Frame frame = step.frame.build(placed(controller, step.field, step.value(value)));
-        if (!model.transmit(controller, frame.data(), static_cast<int>(step.frame.size()))) {
+        if (!sendFrame(controller, model, step.frame, step.field, step.value(value))) {
             say(controller, step.failure, value);
             return 0;
         }

@@ -122,7 +122,7 @@ consteval bool isWellFormed(std::span<const ParameterRow> rows) {
         if (row.factory.isKnown && (!row.accepts.contains(row.factory.value)))
             return false;
         if (!detail::isTextSafe(row.refusal.text) || !detail::isTextSafe(row.setFailure.text) ||
-            !detail::isTextSafe(row.getFailure.text))
+            !detail::isTextSafe(row.getFailure.text) || !detail::isTextSafe(row.keptText.text))
             return false;
         lastId = row.id;
     }
