@@ -54,7 +54,8 @@ int ModuleKeys::detailNumber(const char* key, int& value, const char* failure) {
 int ModuleKeys::optionalDetail(const char* key, std::string& value, const char* notice) {
     if (m_Detail.getValue(key, value))
         return 1;
-    std::puts(notice);
+    if (notice != nullptr)
+        std::puts(notice);
     return 0;
 }
 

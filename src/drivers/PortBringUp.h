@@ -23,8 +23,9 @@ public:
     /// The same as a decimal number; text that is none counts as 0.
     int detailNumber(const char* key, int& value, const char* failure);
 
-    /// The same for keys that may be missing: that goes to the console only and leaves the value as it was.
-    int optionalDetail(const char* key, std::string& value, const char* notice);
+    /// The same for keys that may be missing: that goes to the console only, if there is a notice, and leaves the value
+    /// as it was.
+    int optionalDetail(const char* key, std::string& value, const char* notice = nullptr);
     int optionalDetailNumber(const char* key, int& value, const char* notice);
 
 private:

@@ -2,6 +2,7 @@
 
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/ParameterTable.h"
+#include "drivers/PortBringUp.h"
 
 namespace sensorcontrol {
 
@@ -52,6 +53,27 @@ int TableController<Base>::apply(int id, int value) {
 template <class Base>
 int TableController<Base>::resend(std::span<const Resend> then, int value) {
     return ParameterTable::resend(*this, m_Model, then, value);
+}
+
+template <class Base>
+int TableController<Base>::parseFilterPin(const std::string& text) {
+    const int count = parsePin(text, this->m_nFilterGPIOGroup, this->m_nFilterGPIOPin, this->m_nFilterGPIOLevel);
+    if (count == 3)
+        return 1;
+    this->ErrorPrintf("parse GPIO param failed,nRet=%d", count);
+    return 0;
+}
+
+template <class Base>
+void TableController<Base>::readInfraredKeys(ModuleKeys& keys) {
+    int isNewInfrared = 0;
+    keys.optionalDetailNumber("isNewInfrared", isNewInfrared, "get isNewInfrared from detail failed");
+    this->m_bNewInfrared = isNewInfrared != 0;
+    std::string pin;
+    if (keys.optionalDetail("GPIOInfraredLight", pin, "get GPIOInfraredLight from detail failed"))
+        parsePin(pin, this->m_nInfraredGPIOGroup, this->m_nInfraredGPIOPin, this->m_nInfraredGPIOLevel);
+    if (keys.optionalDetail("GPIODNLevel", pin, "get GPIODNLevel from detail failed"))
+        parsePin(pin, this->m_nDNLevelGPIOGroup, this->m_nDNLevelGPIOPin, this->m_nDNLevelGPIOLevel);
 }
 
 template class TableController<ISensorController>;

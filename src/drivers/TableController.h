@@ -3,9 +3,11 @@
 #include "controller/ISensorController.h"
 
 #include <span>
+#include <string>
 
 namespace sensorcontrol {
 
+class ModuleKeys;
 struct ModelDescription;
 struct Resend;
 
@@ -29,6 +31,11 @@ protected:
     SENSORCONTROL_LOCAL int apply(int id, int value);
     /// Sends again what a table says for a value.
     SENSORCONTROL_LOCAL int resend(std::span<const Resend> then, int value);
+
+    /// The filter's pin from the text of "GPIO". 1, or 0 with the reason in the log.
+    SENSORCONTROL_LOCAL int parseFilterPin(const std::string& text);
+    /// "isNewInfrared", and the pins of the lights and of the light sensor. The console hears of a missing one.
+    SENSORCONTROL_LOCAL void readInfraredKeys(ModuleKeys& keys);
 
     const ModelDescription& m_Model;
 };

@@ -312,21 +312,9 @@ int BreltoISPSenseController::initController(int, const ModuleConfigure& configu
     if (!keys.parseDetail() || !keys.detailNumber("isInfrared", m_nInfrared, "get isInfrared from detail failed") ||
         !keys.detailNumber("autoIris", m_nAutoIris, "get autoIris from detail failed") || !keys.parseParameters())
         return 0;
-    int isNewInfrared = 0;
-    keys.optionalDetailNumber("isNewInfrared", isNewInfrared, "get isNewInfrared from detail failed");
-    m_bNewInfrared = isNewInfrared != 0;
-
-    if (!keys.detail("GPIO", pin, "get GPIO from detail failed"))
+    if (!keys.detail("GPIO", pin, "get GPIO from detail failed") || !parseFilterPin(pin))
         return 0;
-    const int count = parsePin(pin, m_nFilterGPIOGroup, m_nFilterGPIOPin, m_nFilterGPIOLevel);
-    if (count != 3) {
-        ErrorPrintf("parse GPIO param failed,nRet=%d", count);
-        return 0;
-    }
-    if (keys.optionalDetail("GPIOInfraredLight", pin, "get GPIOInfraredLight from detail failed"))
-        parsePin(pin, m_nInfraredGPIOGroup, m_nInfraredGPIOPin, m_nInfraredGPIOLevel);
-    if (keys.optionalDetail("GPIODNLevel", pin, "get GPIODNLevel from detail failed"))
-        parsePin(pin, m_nDNLevelGPIOGroup, m_nDNLevelGPIOPin, m_nDNLevelGPIOLevel);
+    readInfraredKeys(keys);
 
     m_nTNFEnable = 0;
     keys.optionalDetailNumber("TNF", m_nTNFEnable, "get TNF from detail failed");
