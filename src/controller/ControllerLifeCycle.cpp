@@ -400,6 +400,14 @@ void DriverServices::waitForRestart(ISensorController& controller, int seconds) 
 
 void DriverServices::putInForce(ISensorController& controller, int status) { controller.m_pRooms->putInForce(status); }
 
+int DriverServices::driveFilter(ISensorController& controller, int level) {
+    return controller.m_pRooms->driveFilter(level);
+}
+
+int DriverServices::driveInfraredLight(ISensorController& controller, int level) {
+    return controller.m_pRooms->driveInfraredLight(level);
+}
+
 void DriverServices::tellPort(ISensorController& controller, bool works) { controller.m_pRooms->journal.port(works); }
 
 } // namespace sensorcontrol

@@ -21,6 +21,10 @@ public:
     /// A module that decides day and night by itself has told which it is: 1 day, 0 night, -1 unknown.
     static void putInForce(ISensorController& controller, int status);
 
+    /// Drives the pin of the filter, or of the IR lights, to a level. A failure is logged and waited out for a second.
+    static int driveFilter(ISensorController& controller, int level);
+    static int driveInfraredLight(ISensorController& controller, int level);
+
     /// Whether the port took and gave bytes as a port does. A silent module's port works.
     static void tellPort(ISensorController& controller, bool works);
 };
