@@ -2,6 +2,8 @@
 
 #include "controller/ModelCatalogue.h"
 #include "drivers/ParameterTable.h"
+#include "drivers/binary/IT1SenseController.h"
+#include "drivers/binary/IT1ZoomModuleSenseController.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/regtext/CMD7200SenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
@@ -60,13 +62,13 @@ consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
     return rows;
 }
 
-constexpr auto Rows =
-    catalogue<BreltoISPSenseController, CMD8100SenseController, SONYEH4300SenseController, CMD7200SenseController>({
-        {17, {.isParameterAccessClosed = true}},
-        {19, {.filterOffAtFactory = true}},
-        {21, {.edgesOffWithFilter = true}},
-        {24, {.filterOffAtFactory = true}},
-    });
+constexpr auto Rows = catalogue<IT1SenseController, IT1ZoomModuleSenseController, BreltoISPSenseController,
+                                CMD8100SenseController, SONYEH4300SenseController, CMD7200SenseController>({
+    {17, {.isParameterAccessClosed = true}},
+    {19, {.filterOffAtFactory = true}},
+    {21, {.edgesOffWithFilter = true}},
+    {24, {.filterOffAtFactory = true}},
+});
 
 } // namespace
 
