@@ -3,6 +3,7 @@
 
 #include "controller/SenseControllerFactory.h"
 #include "drivers/GoldenPort.h"
+#include "drivers/binary/IBaseIT1SenseController.h"
 #include "drivers/visca/SONYEH6300SenseController.h"
 #include "host/ModuleConfigure.h"
 #include "host/imaging/ImagingStandIn.h"
@@ -170,6 +171,11 @@ protected:
             c().*Peek::NewInfrared = value != 0;
         } else if (name == "dayNight") {
             c().*Peek::DayNight = value;
+        } else if (name == "dayNightSetup") {
+            struct It1 : IBaseIT1SenseController {
+                static constexpr auto DayNightSetup() { return &It1::m_nDayNightSetup; }
+            };
+            dynamic_cast<IBaseIT1SenseController&>(c()).*It1::DayNightSetup() = value;
         } else if (name == "infraredMode") {
             c().*Peek::InfraredMode = value;
         } else {

@@ -105,6 +105,8 @@ protected:
     /// Ends both threads, as a concrete destructor does before anything goes. Safe to repeat.
     SENSORCONTROL_LOCAL void stopThreads();
 
+    std::atomic<int> m_nDayNightSetup{0};
+
 private:
     friend struct sensorcontrol::it1::Shadows;
 
@@ -135,7 +137,6 @@ private:
     int m_nExternalLevelGPIOGroup = 0;
     int m_nExternalLevelGPIOPin = 0;
     int m_nDayLevel = 1;
-    std::atomic<int> m_nDayNightSetup{0};
     sensorcontrol::ShadowRegister m_nRegister0A01; ///< bit 0 the low shutter, bit 1 the inverted iris drive mode
     sensorcontrol::ShadowRegister m_nSharpness1;   ///< register 14 02
     sensorcontrol::ShadowRegister m_nSharpness2;   ///< register 14 03
