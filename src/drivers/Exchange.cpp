@@ -22,7 +22,7 @@ Answer answerOf(const Attempt& made) {
         return made.reply.empty() ? Answer::NotRead : Answer::Accepted;
     case Outcome::ShortSend:
         return Answer::PortFailed;
-    case Outcome::Silent:
+    case Outcome::NoReply:
     case Outcome::Short:
         return made.count < 0 ? Answer::PortFailed : made.reply.empty() ? Answer::None : Answer::Cut;
     default:
@@ -52,7 +52,7 @@ Attempt tryOnce(const SerialLine& line, const Link& link, std::span<const char> 
         const bool isFirst = received == 0;
         received += static_cast<std::size_t>(std::clamp(count, 0, wanted));
         if (count != wanted)
-            return {isFirst && received == 0 ? Outcome::Silent : Outcome::Short, count, line.buffer.first(received)};
+            return {isFirst && received == 0 ? Outcome::NoReply : Outcome::Short, count, line.buffer.first(received)};
     }
 }
 
@@ -89,6 +89,7 @@ int exchange(const SerialLine& line, const ExchangeRule& rule, const char* bytes
     const recorder::LogOnly framesTellIt;
     sensorhost::ScopedLock lock(line.mutex);
     for (int number = 1; number <= rule.tries; ++number) {
+        rule.announce(line, number, command);
         const Attempt made = attempt(line, rule.link, command, asked);
         if (made.outcome == Outcome::Done) {
             if (reply != nullptr)

@@ -10,7 +10,7 @@ namespace sensorcontrol {
 enum class Outcome {
     Done,
     ShortSend, ///< not all of the command went out
-    Silent,    ///< nothing came
+    NoReply,   ///< nothing came
     Short,     ///< the reply ended too early
     TooLong,   ///< the reply says that it is longer than the room for it
     Refused,   ///< the reply came whole and would not do
@@ -64,12 +64,17 @@ struct ExchangeRule;
 void reportAttempt(const SerialLine& line, const ExchangeRule& rule, int number, std::span<const char> command,
                    const Attempt& failed);
 
+/// Says that a try begins; most families do not.
+using Announce = void(const SerialLine& line, int number, std::span<const char> command);
+constexpr void announceNothing(const SerialLine&, int, std::span<const char>) {}
+
 /// How an operation of a family asks again.
 struct ExchangeRule {
     Link link;
     const char* name;               ///< of the operation, in the log
     const char* sendName = nullptr; ///< the same where the command did not go out, if it is another
     int tries = 3;
+    Announce& announce = announceNothing;
     decltype(reportAttempt)& report = reportAttempt;
     DrainHabit drain = DrainInPieces; ///< after every failed try
 };

@@ -6,7 +6,12 @@
 #include "drivers/binary/IT1ZoomModuleSenseController.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/regtext/CMD7200SenseController.h"
+#include "drivers/visca/CMD7300SenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
+#include "drivers/visca/CMD8100_OldSenseController.h"
+#include "drivers/visca/CMD8300SenseController.h"
+#include "drivers/visca/SONYCH3310SenseController.h"
+#include "drivers/visca/SONYCV7500SenseController.h"
 #include "drivers/visca/SONYEH4300SenseController.h"
 
 #include <algorithm>
@@ -62,13 +67,12 @@ consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
     return rows;
 }
 
-constexpr auto Rows = catalogue<IT1SenseController, IT1ZoomModuleSenseController, BreltoISPSenseController,
-                                CMD8100SenseController, SONYEH4300SenseController, CMD7200SenseController>({
-    {17, {.isParameterAccessClosed = true}},
-    {19, {.filterOffAtFactory = true}},
-    {21, {.edgesOffWithFilter = true}},
-    {24, {.filterOffAtFactory = true}},
-});
+constexpr auto Rows =
+    catalogue<BreltoISPSenseController, CMD7200SenseController, CMD7300SenseController, CMD8100SenseController,
+              CMD8100_OldSenseController, CMD8300SenseController, IT1SenseController, IT1ZoomModuleSenseController,
+              SONYCH3310SenseController, SONYCV7500SenseController, SONYEH4300SenseController>({
+        {17, {.isParameterAccessClosed = true}},
+    });
 
 } // namespace
 

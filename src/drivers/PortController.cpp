@@ -33,12 +33,18 @@ int PortController<Base>::readDevice(ModuleKeys& keys, std::string& deviceName) 
 }
 
 template <class Base>
-int PortController<Base>::openDevice(ModuleKeys& keys, const std::string& deviceName) {
+int PortController<Base>::readLine(ModuleKeys& keys, std::string& lineText) {
     const PortRecipe& recipe = this->m_Model.port;
+    return keys.parseParameters() && keys.parameter(recipe.key, lineText, recipe.lineFailure) ? 1 : 0;
+}
+
+template <class Base>
+int PortController<Base>::openDevice(ModuleKeys& keys, const std::string& deviceName) {
     std::string lineText;
-    if (!keys.parseParameters() || !keys.parameter(recipe.key, lineText, recipe.lineFailure))
-        return 0;
-    return openPort(*this, *this->m_pUARTController, recipe, deviceName, lineText, this->m_nUartHandle);
+    return readLine(keys, lineText) && openPort(*this, *this->m_pUARTController, this->m_Model.port, deviceName,
+                                                lineText, this->m_nUartHandle)
+               ? 1
+               : 0;
 }
 
 template <class Base>

@@ -23,6 +23,8 @@ protected:
 
     /// Reads the first keys of a start: the device and `isInfrared`. The steps of a start that failed have said why.
     SENSORCONTROL_LOCAL int readDevice(ModuleKeys& keys, std::string& deviceName);
+    /// Reads the text of the line's settings.
+    SENSORCONTROL_LOCAL int readLine(ModuleKeys& keys, std::string& lineText);
     /// Reads the line's settings and opens the port with them.
     SENSORCONTROL_LOCAL int openDevice(ModuleKeys& keys, const std::string& deviceName);
 

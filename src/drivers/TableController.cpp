@@ -36,6 +36,12 @@ int TableController<Base>::getFocusMode(int& mode) {
 }
 
 template <class Base>
+int TableController<Base>::getDayNightMode(int& mode) {
+    return m_Model.dayNightModeId >= 0 ? ParameterTable::factoryValue(m_Model, m_Model.dayNightModeId, mode)
+                                       : Base::getDayNightMode(mode);
+}
+
+template <class Base>
 int TableController<Base>::getParameterFromSensor(int id, int& value) {
     return ParameterTable::get(*this, m_Model, id, value);
 }

@@ -20,6 +20,7 @@ public:
     int getMirrorValue(int& value) override;
     int setFocusMode(int mode) override;
     int getFocusMode(int& mode) override;
+    int getDayNightMode(int& mode) override;
     int getParameterFromSensor(int id, int& value) override;
     int setParameterToSensor(int id, int value) override;
 

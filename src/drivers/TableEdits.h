@@ -12,6 +12,34 @@ namespace sensorcontrol {
 template <std::size_t Count>
 using Table = std::array<ParameterRow, Count>;
 
+/// The row of an id. One that the table has not is an error.
+template <std::size_t Count>
+consteval const ParameterRow& rowOf(const Table<Count>& rows, int id) {
+    return *std::ranges::find(rows, id, &ParameterRow::id);
+}
+
+// A row with one thing changed.
+
+constexpr ParameterRow withFactory(ParameterRow row, int value) {
+    row.factory = value;
+    return row;
+}
+/// Read from the module instead of a fixed factory value.
+constexpr ParameterRow readBy(ParameterRow row, GotBy get) {
+    row.factory = {};
+    row.get = get;
+    return row;
+}
+constexpr ParameterRow accepting(ParameterRow row, const ValueSet& values, int factory) {
+    row.accepts = values;
+    row.factory = factory;
+    return row;
+}
+constexpr ParameterRow mapping(ParameterRow row, const ValueMap& value) {
+    row.value = value;
+    return row;
+}
+
 /// The rows of two tables in id order.
 template <std::size_t First, std::size_t Second>
 constexpr Table<First + Second> joined(const Table<First>& first, const Table<Second>& second) {

@@ -11,7 +11,7 @@ namespace {
 using namespace sensorcontrol;
 
 // The mask unit is served, but remembers nothing.
-constexpr auto Rows = joined(sony::Rows<SONYEH4300SenseController>, unregistered(MaskRows));
+constexpr auto Rows = joined(sony::EHTable<SONYEH4300SenseController>, unregistered(MaskRows));
 static_assert(isWellFormed(Rows));
 
 constexpr ModelDescription Description{
@@ -21,6 +21,7 @@ constexpr ModelDescription Description{
     .subVersion = 5,
     .mirrorId = sony::MirrorId,
     .focusModeId = sony::FocusModeId,
+    .dayNightModeId = sony::DayNightModeId,
     .port = {.openFailure = "open uart (%s) failed", .startedAs = "EH4300SenseController"},
     .statusText = "m_SensorStatus != ISensorController::InitSuccess!",
 };

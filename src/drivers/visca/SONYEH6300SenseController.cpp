@@ -15,7 +15,7 @@ namespace {
 
 using namespace sensorcontrol;
 
-constexpr auto Rows = withKind(sony::Rows<SONYEH6300SenseController>,
+constexpr auto Rows = withKind(sony::EHTable<SONYEH6300SenseController>,
                                {37, 52, 53, 54, 55, 56, 57, 58, 59, 60, 61, 62, 63, 64}, IdManager::Unknown);
 static_assert(isWellFormed(Rows));
 
@@ -26,6 +26,7 @@ constexpr ModelDescription Description{
     .subVersion = 5,
     .mirrorId = sony::MirrorId,
     .focusModeId = sony::FocusModeId,
+    .dayNightModeId = sony::DayNightModeId,
     .port = {.openFailure = "open uart (%s) failed", .startedAs = "EH6300SenseController"},
     .statusText = "m_BaseSensorStatus != ISensorController::InitSuccess!",
     .wait = 0,

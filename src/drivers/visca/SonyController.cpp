@@ -69,11 +69,6 @@ int SonyController<Family>::setDayNightMode(int mode) {
 }
 
 template <class Family>
-int SonyController<Family>::getDayNightMode(int& mode) {
-    return ParameterTable::factoryValue(this->m_Model, sony::DayNightModeId, mode);
-}
-
-template <class Family>
 int SonyController<Family>::getFocusNearLimit(int& value) {
     value = this->m_nInfrared == 1 ? 14 : m_Sony.nearLimit;
     return 1;
@@ -123,13 +118,14 @@ int SonyController<Family>::getCurrentGain(int& gain) {
     char reply[7];
     const int isAnswered = this->inquire(inquiry(0x4c), reply);
     if (!isAnswered) {
-        this->ErrorPrintf("get currentGain failed,nRet=%d", isAnswered);
+        ParameterTable::say(*this, m_Sony.gainFailure, isAnswered);
         return 0;
     }
     const auto byte = [&reply](std::size_t index) { return static_cast<unsigned char>(reply[index]); };
     if (byte(0) != 0x90 || byte(1) != 0x50 || byte(2) != 0 || byte(3) != 0 || byte(6) != 0xff) {
         this->ErrorPrintf("get currentGain failed");
-        this->ErrorPrintf("0x%x", byte(0));
+        for (std::size_t i = 0; i < m_Sony.gainBytesTold; ++i)
+            this->ErrorPrintf("0x%x", byte(i));
         return 0;
     }
     gain = ((byte(4) & 0x0f) * 16 + (byte(5) & 0x0f)) * 2 - 2;
@@ -161,7 +157,7 @@ int SonyController<Family>::restart() {
         DriverServices::wait(*this, BreltoTime(1, 0));
         return 0;
     }
-    if (made.outcome == Outcome::Silent && made.count == 0 && m_Sony.restartTimeout != nullptr) {
+    if (made.outcome == Outcome::NoReply && made.count == 0 && m_Sony.restartTimeout != nullptr) {
         this->ErrorPrintf("%s", m_Sony.restartTimeout);
         return 0;
     }
@@ -176,6 +172,7 @@ int SonyController<Family>::restart() {
     return 1;
 }
 
+template class SonyController<ViscaController<ISensorController>>;
 template class SonyController<ViscaLensController<ISensorController>>;
 template class SonyController<ViscaLensController<ITrellisZoomSensorController>>;
 

@@ -19,7 +19,6 @@ public:
     int setExposalMode(int mode);
     /// 1 left to the block, 3 day, 4 night, 5 by clock; other values only restart the delay.
     int setDayNightMode(int mode) override;
-    int getDayNightMode(int& mode) override;
     /// Farther than 1 m where an infrared board lights the scene.
     int getFocusNearLimit(int& value);
     /// 0 to 100, as a brightness step that is kept as a parameter of its own.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "drivers/TableEdits.h"
 #include "drivers/visca/SonyHabits.h"
 #include "drivers/visca/SonyRows.h"
 #include "drivers/visca/ViscaHabits.h"
@@ -15,6 +16,10 @@ inline constexpr Step ToAuto[] = {{.frame = setting(0x01, 0x03), .pause = Second
 
 inline constexpr ViscaHabits Turns{
     .autoNotice = "enter auto mode", .turnToDay = ToDay, .turnToNight = ToNight, .turnToAuto = ToAuto};
+
+/// The whole table of an EH block.
+template <class Block>
+inline constexpr auto EHTable = joined(joined(Rows<Block>, LensRows<Block>), EHRows<Block>);
 
 inline constexpr SonyHabits EH{.byExposalMode = ByExposalMode,
                                .toNtsc = setting(0x24, 0x72, 0x00, 0x06),

@@ -14,6 +14,8 @@ struct SonyHabits {
     int nearLimit = 7;                     ///< factory value of the focus limit without infrared board
     FramePattern toNtsc;
     FramePattern toPal;
+    const char* gainFailure = "get currentGain failed,nRet=%d"; ///< when the block does not answer
+    std::size_t gainBytesTold = 1;                              ///< of a reply that is none
     const char* restartTimeout; ///< said when the block does not answer a restart; null: as a wrong answer
 };
 

@@ -352,11 +352,30 @@ inline constexpr auto Rows = std::to_array<ParameterRow>({
      .set = call<&Block::setBrightRemoteSensor2>,
      .factory = 56},
     filterModeRow(51),
+});
+
+/// The brightness of another id, as an exposure compensation.
+template <class Block>
+constexpr ParameterRow brightnessRow(int id, int factory) {
+    return {.id = id,
+            .name = "Brightness",
+            .accepts = range(0, 100),
+            .set = call<&Block::setBrightness>,
+            .factory = factory};
+}
+
+template <class Block>
+inline constexpr auto LensRows = std::to_array<ParameterRow>({
     saying(visca::commandRow(52, "IrisUp", run<&Block::IrisUp>), Silent),
     saying(visca::commandRow(53, "IrisDown", run<&Block::IrisDown>), Silent),
     saying(visca::commandRow(54, "FocusUp", run<&Block::FocusUp>), Silent),
     saying(visca::commandRow(55, "FocusDown", run<&Block::FocusDown>), Silent),
-    {.id = 56, .name = "Brightness", .accepts = range(0, 100), .set = call<&Block::setBrightness>, .factory = 50},
+});
+
+/// What the EH blocks have beyond that.
+template <class Block>
+inline constexpr auto EHRows = std::to_array<ParameterRow>({
+    brightnessRow<Block>(56, 50),
     // The lights go out without the model's wait.
     waiting(nearLightRow(57), 0),
     waiting(middleLightRow(58), 0),

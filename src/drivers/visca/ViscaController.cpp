@@ -10,10 +10,10 @@
 #include "drivers/visca/ViscaController.h"
 
 #include "controller/DriverServices.h"
-#include "drivers/Exchange.h"
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/ParameterTable.h"
 #include "drivers/PortBringUp.h"
+#include "drivers/visca/ViscaExchange.h"
 #include "drivers/visca/ViscaFrames.h"
 #include "drivers/visca/ViscaHabits.h"
 #include "host/BreltoTime.h"
@@ -24,14 +24,7 @@
 
 namespace sensorcontrol {
 
-namespace {
-
-using visca::infraredFrame;
-using visca::inquiry;
-using visca::setting;
-
-constexpr int AcknowledgementLength = 3;
-constexpr int RestartSeconds = 20;
+namespace visca {
 
 bool isAccepted(std::span<const char>, std::span<const char> reply) {
     static constexpr char Acknowledgement[] = {'\x90', 0x41, '\xff'};
@@ -55,9 +48,19 @@ void reportSetting(const SerialLine& line, const ExchangeRule& rule, int number,
                                 byte(2));
 }
 
+} // namespace visca
+
+namespace {
+
+using visca::infraredFrame;
+using visca::inquiry;
+using visca::setting;
+
+constexpr int RestartSeconds = 20;
+
 constexpr ExchangeRule InquiryRule{.link = {.timeout = 4}, .name = "getParameterValue"};
 constexpr ExchangeRule SettingRule{
-    .link = {.timeout = 4, .accepts = isAccepted}, .name = "setParameterValue", .report = reportSetting};
+    .link = visca::SettingLink, .name = "setParameterValue", .report = visca::reportSetting};
 
 } // namespace
 
@@ -77,7 +80,7 @@ int ViscaController<Base>::getParameterValue(const char* command, int length, ch
 
 template <class Base>
 int ViscaController<Base>::setParameterValue(const char* command, int length) {
-    return exchange(this->line(), SettingRule, command, length, AcknowledgementLength);
+    return exchange(this->line(), SettingRule, command, length, visca::AcknowledgementLength);
 }
 
 template <class Base>
@@ -126,7 +129,7 @@ int ViscaController<Base>::getDNStatusFromSensor(int& status) {
         status = 1;
         return 1;
     default:
-        this->ErrorPrintf("get daynight value out of range value = %d", static_cast<unsigned char>(reply[2]));
+        reportStatus(reply);
         this->drainPort(); // foreign bytes before the reply leave its tail in the port, and every later inquiry as far
                            // off
         return 0;
@@ -134,42 +137,72 @@ int ViscaController<Base>::getDNStatusFromSensor(int& status) {
 }
 
 template <class Base>
-int ViscaController<Base>::bringUpPort(const ModuleConfigure& configure, int* generation) {
-    std::printf("__%s::init,ModuleConfigure is(%s,%s)\n", this->m_Model.port.startedAs, configure.getDetail().c_str(),
-                configure.getParameters().c_str());
-    this->m_bisZoomModule = true; // the block moves its filter itself
+void ViscaController<Base>::reportStatus(const char (&reply)[4]) {
+    const auto byte = [&reply](std::size_t index) { return static_cast<unsigned char>(reply[index]); };
+    if (m_Habits.isStatusToldWhole)
+        this->ErrorPrintf("get daynight value out of range:0x%x,0x%x,0x%x,0x%x", byte(0), byte(1), byte(2), byte(3));
+    else
+        this->ErrorPrintf("get daynight value out of range value = %d", byte(2));
+}
 
+template <class Base>
+int ViscaController<Base>::bringUpPort(const ModuleConfigure& configure, int* generation) {
+    announceStart(configure);
     ModuleKeys keys(*this, configure);
     std::string deviceName;
-    if (!this->readDevice(keys, deviceName))
-        return 0;
-    if (generation != nullptr) {
-        keys.detailNumber("generation", *generation, "get generation from detail failed");
-        std::printf("m_nGeneration=%d\n", *generation);
-    }
-    if (!this->openDevice(keys, deviceName))
+    if (!this->readDevice(keys, deviceName) || (generation != nullptr && !readGeneration(keys, *generation)) ||
+        !this->openDevice(keys, deviceName))
         return 0;
     this->clearUartBuffer();
     return 1;
 }
 
 template <class Base>
+void ViscaController<Base>::announceStart(const ModuleConfigure& configure) {
+    std::printf("__%s::init,ModuleConfigure is(%s,%s)\n", this->m_Model.port.startedAs, configure.getDetail().c_str(),
+                configure.getParameters().c_str());
+    this->m_bisZoomModule = true; // the block moves its filter itself
+}
+
+template <class Base>
+int ViscaController<Base>::readGeneration(ModuleKeys& keys, int& generation) {
+    keys.detailNumber("generation", generation, "get generation from detail failed");
+    std::printf("m_nGeneration=%d\n", generation);
+    return 1;
+}
+
+template <class Base>
 int ViscaController<Base>::changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem) {
+    const std::size_t index = videoSystem == 0 || videoSystem == 1 ? static_cast<std::size_t>(videoSystem) : 2;
+    int current = 0;
+    if (!askVideoSystem(current))
+        return 0;
+    if (current == rules.wanted[index]) {
+        std::puts("Video system not change!");
+        return 1;
+    }
+    std::printf("set video system,nValue=%d,szRecv[3]=%d\n", rules.wanted[index], current);
+    if (!this->send(rules.write[index]))
+        return 0;
+    if (rules.secondsToRestart > 0)
+        DriverServices::wait(*this, BreltoTime(rules.secondsToRestart, 0));
+    return restartUnanswered(rules.restart);
+}
+
+template <class Base>
+int ViscaController<Base>::askVideoSystem(int& current) {
     char reply[5];
     if (!inquire(inquiry(0x24, 0x72), reply)) {
         this->ErrorPrintf("get sensor video system failed");
         return 0;
     }
-    const int current = static_cast<unsigned char>(reply[3]);
-    const int wanted = videoSystem == 0 ? rules.ntsc : videoSystem == 1 ? rules.pal : 0;
-    if (current == wanted) {
-        std::puts("Video system not change!");
-        return 1;
-    }
-    std::printf("set video system,nValue=%d,szRecv[3]=%d\n", wanted, current);
-    if (!this->send(setting(0x24, 0x72, 0x00, V), wanted))
-        return 0;
-    if (this->sendUnanswered(rules.restart) != static_cast<int>(rules.restart.size())) {
+    current = static_cast<unsigned char>(reply[3]);
+    return 1;
+}
+
+template <class Base>
+int ViscaController<Base>::restartUnanswered(const FramePattern& frame) {
+    if (this->sendUnanswered(frame) != static_cast<int>(frame.size())) {
         DriverServices::wait(*this, BreltoTime(1, 0));
         return 0;
     }

@@ -35,8 +35,17 @@ protected:
     /// not null.
     SENSORCONTROL_LOCAL int bringUpPort(const ModuleConfigure& configure, int* generation = nullptr);
 
+    /// The pieces of that head for a model that keeps what it reads.
+    SENSORCONTROL_LOCAL void announceStart(const ModuleConfigure& configure);
+    /// Always 1; a missing key is logged and counts as 0.
+    SENSORCONTROL_LOCAL int readGeneration(ModuleKeys& keys, int& generation);
+
     /// Asks for the video system, and on a difference writes it and restarts the block: blocks for 20 seconds then.
     SENSORCONTROL_LOCAL int changeVideoSystem(const ViscaVideoSystem& rules, int videoSystem);
+    /// Asks for the video system in force: 1 and the byte, or 0.
+    SENSORCONTROL_LOCAL int askVideoSystem(int& current);
+    /// Restarts the block by a frame that it does not answer: blocks for 20 seconds.
+    SENSORCONTROL_LOCAL int restartUnanswered(const FramePattern& frame);
     /// The last step of a restart: waits until the block is back and empties the port.
     SENSORCONTROL_LOCAL void waitForRestart();
 
@@ -53,6 +62,7 @@ protected:
     const ViscaHabits& m_Habits;
 
 private:
+    SENSORCONTROL_LOCAL void reportStatus(const char (&reply)[4]);
     SENSORCONTROL_LOCAL int turn(std::span<const Step> steps, const FramePattern& infraredBoardFrame);
 };
 

@@ -10,6 +10,7 @@ namespace sensorcontrol {
 /// What the models of the VISCA family do each in their way.
 struct ViscaHabits {
     const char* statusFailure = "get dn failed";
+    bool isStatusToldWhole = false;   ///< an unknown status: the four bytes of the reply, not the one alone
     const char* autoNotice = nullptr; ///< said on the console when the block gets the day/night choice
 
     // Without infrared board: sent in order, each only if the one before succeeded.
@@ -18,11 +19,13 @@ struct ViscaHabits {
     std::span<const Step> turnToAuto;
 };
 
-/// The video system of the CMD blocks: what stands in register 24 72, and what makes a new value count.
+/// The video system of the CMD blocks: what stands in register 24 72, what writes it, and what makes a new value count.
+/// Each for NTSC, PAL and whatever else is asked for.
 struct ViscaVideoSystem {
-    int ntsc;
-    int pal;
-    FramePattern restart; ///< sent without waiting for a reply
+    int wanted[3];
+    FramePattern write[3];
+    FramePattern restart;     ///< sent without waiting for a reply
+    int secondsToRestart = 0; ///< waited before it
 };
 
 } // namespace sensorcontrol
