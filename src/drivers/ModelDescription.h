@@ -13,8 +13,9 @@ struct PortRecipe {
     const char* lineFailure = "get RS232Parameter from senseParameter failed";
     const char* lineTextFailure = "parse RS485 param failed,nRet=%d"; ///< with how many numbers there were
     const char* openFailure = "open UART(%s) failed";                 ///< with the device
-    const char* settingFailure = nullptr; ///< with the device and the four numbers; null: silence
-    const char* startedAs = nullptr;      ///< name of the controller for the console; null: the start prints nothing
+    const char* settingFailure = nullptr;  ///< with the device and the four numbers; null: silence
+    Message::Outlet outlet = Message::Log; ///< of these failures: the error log or the console
+    const char* startedAs = nullptr;       ///< name of the controller for the console; null: the start prints nothing
 };
 
 /// What tells one model from another on its way through the gate and through its start.

@@ -10,6 +10,7 @@
 #include "drivers/visca/CMD8100SenseController.h"
 #include "drivers/visca/CMD8100_OldSenseController.h"
 #include "drivers/visca/CMD8300SenseController.h"
+#include "drivers/visca/NoSensorUIController.h"
 #include "drivers/visca/SONYCH3310SenseController.h"
 #include "drivers/visca/SONYCV7500SenseController.h"
 #include "drivers/visca/SONYEH4300SenseController.h"
@@ -51,18 +52,16 @@ ISensorController* make(int moduleId) {
         return new Controller;
 }
 
-/// The rows of all module ids of the classes, ascending, beside those that are known by their traits alone.
-template <class... Controllers, std::size_t Traits>
-consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
-    std::array<CatalogueRow, (std::size(Controllers::ModuleIds) + ...) + Traits> rows{};
+/// The rows of all module ids of the classes, ascending.
+template <class... Controllers>
+consteval auto catalogue() {
+    std::array<CatalogueRow, (std::size(Controllers::ModuleIds) + ...)> rows{};
     std::size_t count = 0;
     const auto add = [&]<class Controller>(std::type_identity<Controller>) {
         for (const int moduleId : Controller::ModuleIds)
             rows[count++] = {moduleId, Controller::Traits, make<Controller>, describeModelOf<Controller>};
     };
     (add(std::type_identity<Controllers>{}), ...);
-    for (const CatalogueRow& row : byTraits)
-        rows[count++] = row;
     std::ranges::sort(rows, {}, &CatalogueRow::moduleId);
     return rows;
 }
@@ -70,9 +69,7 @@ consteval auto catalogue(const CatalogueRow (&byTraits)[Traits]) {
 constexpr auto Rows =
     catalogue<BreltoISPSenseController, CMD7200SenseController, CMD7300SenseController, CMD8100SenseController,
               CMD8100_OldSenseController, CMD8300SenseController, IT1SenseController, IT1ZoomModuleSenseController,
-              SONYCH3310SenseController, SONYCV7500SenseController, SONYEH4300SenseController>({
-        {17, {.isParameterAccessClosed = true}},
-    });
+              NoSensorUIController, SONYCH3310SenseController, SONYCV7500SenseController, SONYEH4300SenseController>();
 
 } // namespace
 

@@ -13,35 +13,41 @@
 
 namespace sensorcontrol {
 
-ModuleKeys::ModuleKeys(ISensorController& controller, const ModuleConfigure& configure)
-    : m_Controller(controller), m_Configure(configure) {}
+namespace {
 
-int ModuleKeys::parseDetail() {
-    if (m_Detail.parse(m_Configure.getDetail()))
-        return 1;
-    m_Controller.ErrorPrintf("parse detail failed");
+/// Says a text of a start where the model has it.
+template <class... Values>
+void say(ISensorController& controller, Message::Outlet outlet, const char* text, Values... values) {
+    if (outlet == Message::Console) {
+        std::printf(text, values...);
+        std::puts("");
+    } else {
+        controller.ErrorPrintf(text, values...);
+    }
+}
+
+} // namespace
+
+ModuleKeys::ModuleKeys(ISensorController& controller, const ModuleConfigure& configure, Message::Outlet outlet)
+    : m_Controller(controller), m_Configure(configure), m_Outlet(outlet) {}
+
+int ModuleKeys::fail(const char* text) {
+    say(m_Controller, m_Outlet, "%s", text);
     return 0;
 }
 
+int ModuleKeys::parseDetail() { return m_Detail.parse(m_Configure.getDetail()) ? 1 : fail("parse detail failed"); }
+
 int ModuleKeys::parseParameters() {
-    if (m_Parameters.parse(m_Configure.getParameters()))
-        return 1;
-    m_Controller.ErrorPrintf("parse senseParameter failed");
-    return 0;
+    return m_Parameters.parse(m_Configure.getParameters()) ? 1 : fail("parse senseParameter failed");
 }
 
 int ModuleKeys::detail(const char* key, std::string& value, const char* failure) {
-    if (m_Detail.getValue(key, value))
-        return 1;
-    m_Controller.ErrorPrintf("%s", failure);
-    return 0;
+    return m_Detail.getValue(key, value) ? 1 : fail(failure);
 }
 
 int ModuleKeys::parameter(const char* key, std::string& value, const char* failure) {
-    if (m_Parameters.getValue(key, value))
-        return 1;
-    m_Controller.ErrorPrintf("%s", failure);
-    return 0;
+    return m_Parameters.getValue(key, value) ? 1 : fail(failure);
 }
 
 int ModuleKeys::detailNumber(const char* key, int& value, const char* failure) {
@@ -84,7 +90,7 @@ int openPort(ISensorController& controller, IUARTController& port, const PortRec
     int parity = 0;
     const int count = std::sscanf(lineText.c_str(), "%d,%d,%d,%d", &baudRate, &dataBits, &stopBits, &parity);
     if (count < 4) {
-        controller.ErrorPrintf(recipe.lineTextFailure, count);
+        say(controller, recipe.outlet, recipe.lineTextFailure, count);
         return 0;
     }
     if (recipe.startedAs != nullptr)
@@ -92,14 +98,14 @@ int openPort(ISensorController& controller, IUARTController& port, const PortRec
                     parity);
     handle = port.open(deviceName.c_str());
     if (handle < 0) {
-        controller.ErrorPrintf(recipe.openFailure, deviceName.c_str());
+        say(controller, recipe.outlet, recipe.openFailure, deviceName.c_str());
         return 0;
     }
     // The port takes parity before stop bits, the text has them the other way round.
     if (port.setParameter(handle, baudRate, dataBits, parity, stopBits))
         return 1;
     if (recipe.settingFailure != nullptr)
-        controller.ErrorPrintf(recipe.settingFailure, deviceName.c_str(), baudRate, dataBits, stopBits, parity);
+        say(controller, recipe.outlet, recipe.settingFailure, deviceName.c_str(), baudRate, dataBits, stopBits, parity);
     return 0;
 }
 

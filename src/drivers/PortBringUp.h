@@ -9,10 +9,11 @@ class ModuleConfigure;
 
 namespace sensorcontrol {
 
-/// The module's two strings while a controller comes up. Every step that fails logs its text and gives 0.
+/// The module's two strings while a controller comes up. Every step that fails says its text and gives 0.
 class ModuleKeys {
 public:
-    ModuleKeys(ISensorController& controller, const ModuleConfigure& configure);
+    /// Failures go to the error log or, where a model has it so, to the console.
+    ModuleKeys(ISensorController& controller, const ModuleConfigure& configure, Message::Outlet outlet = Message::Log);
 
     int parseDetail();
     int parseParameters();
@@ -29,8 +30,11 @@ public:
     int optionalDetailNumber(const char* key, int& value, const char* notice);
 
 private:
+    int fail(const char* text);
+
     ISensorController& m_Controller;
     const ModuleConfigure& m_Configure;
+    Message::Outlet m_Outlet;
     ModuleParameterParser m_Detail;
     ModuleParameterParser m_Parameters;
 };
