@@ -44,7 +44,7 @@ struct Line {
         words >> id >> value;
         return verb + ' ' + id + (verb == "set" ? ' ' + value : "");
     }
-    int id() const { return verb == "set" || verb == "get" ? std::stoi(rest) : -1; }
+    int id() const { return verb == "set" || verb == "get" || verb == "silent" ? std::stoi(rest) : -1; }
 };
 
 const std::filesystem::path Folder = SENSORCONTROL_SOURCE_DIR "/tests/golden";
