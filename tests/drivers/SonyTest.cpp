@@ -3,16 +3,7 @@
 
 #include "drivers/visca/SONYEH4300SenseController.h"
 #include "drivers/visca/SONYEH6300SenseController.h"
-#include "host/ModuleConfigure.h"
-#include "host/VideoResolution.h"
-#include "host/linux/HostSettings.h"
-#include "host/linux/MemoryGpio.h"
-#include "host/linux/SimulatedClock.h"
-#include "support/OpenController.h"
-#include "support/ScriptedPort.h"
-#include "support/TempRoot.h"
-
-#include <memory>
+#include "support/ScriptedBlock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,53 +19,7 @@ const std::string AskVideo = "send 81 09 04 24 72 FF";
 const std::string SendRestart = "send 81 01 04 19 03 FF";
 
 template <class Block>
-class SonyEH : public ::testing::Test {
-protected:
-    SonyEH() {
-        sensorhost::installClock(m_pClock);
-        m_pBlock = SafePointer<Block>(new Block);
-        m_pBlock->setOperator(m_pPort, SafePointer<IGPIO>(new sensorhost::MemoryGpio));
-        m_pBlock->setObserver(&m_Log);
-    }
-    ~SonyEH() override {
-        m_pBlock = SafePointer<Block>();
-        sensorhost::installClock(nullptr);
-    }
-
-    /// Makes a call with these replies, and keeps what it did.
-    template <class Call>
-    int run(std::deque<std::string> replies, Call call) {
-        m_pPort->m_Replies = std::move(replies);
-        m_pPort->takeCalls();
-        m_Log.take();
-        const double begin = m_pClock->now();
-        const int result = call(*m_pBlock);
-        m_nSeconds = m_pClock->now() - begin;
-        m_strLog = m_Log.take();
-        m_Calls = m_pPort->takeCalls();
-        m_pPort->m_Replies.clear();
-        return result;
-    }
-    int start(std::deque<std::string> replies) {
-        return run(std::move(replies), [](Block& block) {
-            return block.initController(0, ModuleConfigure(11, "RS485=a;isInfrared=0", "RS485=9600,8,1,0"));
-        });
-    }
-    int video(int system, std::deque<std::string> replies) {
-        return run(std::move(replies),
-                   [system](Block& block) { return block.setSensorVideoSystem(system, VideoResolution(1920, 1080)); });
-    }
-
-    TempRoot m_Root;
-    LogKeeper m_Log;
-    std::shared_ptr<sensorhost::SimulatedClock> m_pClock = std::make_shared<sensorhost::SimulatedClock>();
-    SafePointer<ScriptedPort> m_pPort{new ScriptedPort};
-    SafePointer<Block> m_pBlock;
-    Calls m_Calls;
-    std::string m_strLog;
-    double m_nSeconds = 0;
-};
-
+using SonyEH = ScriptedBlock<Block>;
 using EH4300 = SonyEH<SONYEH4300SenseController>;
 using EH6300 = SonyEH<SONYEH6300SenseController>;
 
