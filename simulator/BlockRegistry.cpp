@@ -1,9 +1,15 @@
 #include "simulator/BlockRegistry.h"
 
 #include "simulator/Cmd7200Block.h"
+#include "simulator/Cmd7300Block.h"
 #include "simulator/Cmd8100Block.h"
+#include "simulator/Cmd8100OldBlock.h"
+#include "simulator/Cmd8300Block.h"
 #include "simulator/It1Block.h"
 #include "simulator/It1ZoomBlock.h"
+#include "simulator/PlainViscaBlock.h"
+#include "simulator/SonyCh3310Block.h"
+#include "simulator/SonyCv7500Block.h"
 #include "simulator/SonyEh4300Block.h"
 
 #include <algorithm>
@@ -41,7 +47,33 @@ constexpr auto Entries = std::to_array<BlockEntry>({
      .portKey = "RS485",
      .detail = "isInfrared=0;generation=3",
      .make = &make<Cmd8100Block>},
+    {.moduleId = 17, .name = "no_sensor_ui", .portKey = "RS485", .make = &make<PlainViscaBlock>},
+    {.moduleId = 18,
+     .name = "sony_ch3310",
+     .portKey = "RS485",
+     .detail = "isInfrared=0",
+     .make = &make<SonyCh3310Block>},
+    {.moduleId = 19,
+     .name = "sony_cv7500",
+     .portKey = "RS485",
+     .detail = "isInfrared=0",
+     .make = &make<SonyCv7500Block>},
+    {.moduleId = 21,
+     .name = "cmd7300",
+     .portKey = "RS485",
+     .detail = "isInfrared=0;generation=3",
+     .make = &make<Cmd7300Block>},
     {.moduleId = 22, .name = "cmd7200", .portKey = "RS485", .detail = "isInfrared=0", .make = &make<Cmd7200Block>},
+    {.moduleId = 24,
+     .name = "cmd8100_old",
+     .portKey = "RS485",
+     .detail = "isInfrared=0",
+     .make = &make<Cmd8100OldBlock>},
+    {.moduleId = 25,
+     .name = "cmd8300",
+     .portKey = "RS485",
+     .detail = "isInfrared=0;generation=3",
+     .make = &make<Cmd8300Block>},
     {.name = "sony_eh6300", .portKey = "RS485", .detail = "isInfrared=0", .make = &make<SonyEh6300Block>},
 });
 

@@ -1,8 +1,6 @@
 #include "simulator/Cmd8100Block.h"
 
-#include "simulator/ViscaRows.h"
-
-#include <array>
+#include "simulator/Cmd8100Rows.h"
 
 namespace camerasim {
 
@@ -10,33 +8,8 @@ using namespace visca;
 
 namespace {
 
-constexpr std::array<std::uint8_t, 4> ExposureModes{0x00, 0x0a, 0x0b, 0xa0};
-constexpr std::array<std::uint8_t, 3> WhiteBalanceModes{0x00, 0x04, 0x09};
-
-constexpr std::array<ValueWord, 4> ExposureWords{
-    {{0x00, "automatic"}, {0x0a, "shutter priority"}, {0x0b, "iris priority"}, {0xa0, "manual"}}};
-constexpr std::array<ValueWord, 2> FocusTriggerWords{{{0, "continuous"}, {2, "after zoom"}}};
-
-constexpr auto RegisterTable = joined(
-    CommonRows, std::to_array<ViscaRegister>({
-                    {.code = 0x28, .name = "focus near limit", .payload = 4, .factory = 2, .last = 4},
-                    {.code = 0x2c, .name = "gain limit", .factory = 12, .last = 15},
-                    {.code = 0x35, .name = "white balance", .factory = 4, .listed = WhiteBalanceModes},
-                    {.code = 0x39, .name = "exposure mode", .listed = ExposureModes, .words = ExposureWords},
-                    {.code = 0x3d, .name = "wide dynamic range", .factory = 3, .first = 2, .last = 3, .words = OnOff},
-                    {.code = 0x42, .name = "sharpness", .payload = 4, .factory = 5, .last = 14},
-                    {.code = 0x4a, .name = "shutter", .payload = 4, .last = 18},
-                    {.code = 0x4b, .name = "iris", .payload = 4, .factory = 16, .first = 5, .last = 17},
-                    {.code = 0x53, .name = "noise reduction", .factory = 6, .last = 6},
-                    {.code = 0x57, .name = "focus trigger", .last = 2, .words = FocusTriggerWords},
-                    {.code = 0x58, .name = "focus sensitivity", .factory = 1, .last = 5},
-                    {.code = 0xa1, .name = "defog", .factory = 3, .first = 2, .last = 3, .words = OnOff},
-                    {.code = 0xa2, .name = "photometry", .factory = 2, .first = 2, .last = 3},
-                    {.code = 0xa3, .name = "shutter limit", .payload = 4, .last = 12},
-                }));
-
 constexpr ViscaModel Cmd8100{.name = "cmd8100",
-                             .registers = RegisterTable,
+                             .registers = Cmd8100Rows,
                              .steps = LensSteps,
                              .version = {0x00, 0x20, 0x01, 0x08},
                              .hasMaskUnit = true,
@@ -46,7 +19,5 @@ constexpr ViscaModel Cmd8100{.name = "cmd8100",
 } // namespace
 
 Cmd8100Block::Cmd8100Block(const BlockSettings& settings) : ViscaBlock(Cmd8100, settings) {}
-
-const ViscaModel& Cmd8100Block::model() { return Cmd8100; }
 
 } // namespace camerasim

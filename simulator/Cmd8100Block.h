@@ -8,9 +8,6 @@ namespace camerasim {
 class Cmd8100Block : public ViscaBlock {
 public:
     explicit Cmd8100Block(const BlockSettings& settings = {});
-
-    /// Its tables, for relatives that differ in a few rows and for tests.
-    static const ViscaModel& model();
 };
 
 } // namespace camerasim

@@ -9,9 +9,6 @@ namespace camerasim {
 class SonyEh4300Block : public ViscaBlock {
 public:
     explicit SonyEh4300Block(const BlockSettings& settings = {});
-
-    /// Its tables, for relatives that differ in a few rows and for tests.
-    static const ViscaModel& model();
 };
 
 /// The EH6300: the same block, which answers from its second socket (90 42 FF).

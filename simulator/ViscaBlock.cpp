@@ -26,14 +26,24 @@ namespace {
 
 using namespace visca;
 
-/// The gain that automatic exposure takes: a step for every 2 dB below `FullLux`.
+/// Automatic exposure takes a step of gain for every 2 dB below `FullLux`; above it closes the iris at first, then
+/// quickens the shutter.
 constexpr double FullLux = 50;
 constexpr double StepsPerHalving = 3;
+constexpr double IrisStepsPerDoubling = 2;
+constexpr double IrisDoublings = 4;
 constexpr std::uint32_t LeastGain = 1;
 constexpr std::uint32_t MostGain = 15;
 constexpr std::uint32_t ExposureModeRegister = 0x39;
 constexpr std::uint32_t GainLimitRegister = 0x2c;
 constexpr std::uint32_t ManualExposure = 0x03;
+constexpr std::uint32_t ShutterPriority = 0x0a;
+constexpr std::uint32_t IrisPriority = 0x0b;
+
+/// What the infrared board is told of day and night.
+constexpr std::uint32_t BoardAutomatic = 0;
+constexpr std::uint32_t BoardNight = 1;
+constexpr std::uint32_t BoardDay = 2;
 
 bool isInFields(const ViscaRegister& row, std::uint32_t value) {
     std::uint32_t rest = value;
@@ -84,21 +94,41 @@ std::size_t ViscaBlock::indexOfCommand(Bytes payload, std::size_t& codeLength) c
 }
 
 std::uint32_t ViscaBlock::inForce(std::size_t index) const {
-    if (!m_Model.registers[index].metered) {
-        return m_InForce[index];
-    }
+    return m_Model.registers[index].metering == Metering::None ? m_InForce[index] : metered(index);
+}
+
+std::uint32_t ViscaBlock::metered(std::size_t index) const {
     const auto of = [this](std::uint32_t code, std::uint32_t otherwise) {
         return indexOf(code) < m_Values.size() ? m_Values[indexOf(code)] : otherwise;
     };
-    if (of(ExposureModeRegister, 0) == ManualExposure) {
+    const ViscaRegister& row = m_Model.registers[index];
+    const std::uint32_t mode = of(ExposureModeRegister, 0);
+    const bool movesIris = mode != ManualExposure && mode != IrisPriority;
+    const bool movesShutter = mode != ManualExposure && mode != ShutterPriority;
+    const double doublings = std::log2(std::max(light(), 1e-3) / FullLux);
+    const double bright = std::max(doublings, 0.0);
+    const double irisPart = !movesIris ? 0 : movesShutter ? std::min(bright, IrisDoublings) : bright;
+    const auto steps = [](double count) { return static_cast<std::uint32_t>(count); };
+    switch (row.metering) {
+    case Metering::Gain:
+        return mode == ManualExposure ? m_Values[index]
+                                      : std::min(LeastGain + steps(StepsPerHalving * std::max(-doublings, 0.0)),
+                                                 of(GainLimitRegister, MostGain));
+    case Metering::Iris:
+        return movesIris ? row.factory - std::min(steps(IrisStepsPerDoubling * irisPart), row.factory - row.first)
+                         : m_Values[index];
+    case Metering::Shutter:
+        return movesShutter ? row.factory + std::min(steps(bright - irisPart), row.last - row.factory)
+                            : m_Values[index];
+    default:
         return m_Values[index];
     }
-    const double steps = StepsPerHalving * std::log2(FullLux / std::clamp(light(), 1e-3, FullLux));
-    return std::min(LeastGain + static_cast<std::uint32_t>(steps), of(GainLimitRegister, MostGain));
 }
 
+bool ViscaBlock::isLive(const ViscaRegister& row) { return row.metering != Metering::None || row.answersPicture; }
+
 bool ViscaBlock::hasInForce(std::size_t index) const {
-    return index < m_Values.size() && (m_Model.registers[index].atRestart || m_Model.registers[index].metered);
+    return index < m_Values.size() && (m_Model.registers[index].atRestart || isLive(m_Model.registers[index]));
 }
 
 const ViscaField* ViscaBlock::fieldAt(std::uint32_t address, std::size_t& index) const {
@@ -184,16 +214,32 @@ std::vector<RegisterState> ViscaBlock::registers() const {
 
 Picture ViscaBlock::picture() const {
     const std::size_t state = indexOf(DayNightRegister);
-    return state < m_Values.size() && m_Values[state] == StateNight ? Picture::Night : Picture::Day;
+    if (state == m_Values.size()) {
+        return Picture::Day;
+    }
+    const std::uint32_t shown = m_Model.registers[state].answersPicture ? m_InForce[state] : m_Values[state];
+    return shown == StateNight ? Picture::Night : Picture::Day;
 }
 
-bool ViscaBlock::decidesDayNight() const {
+bool ViscaBlock::decidesDayNight() const { return wanted() == Wanted::BySensor; }
+
+ViscaBlock::Wanted ViscaBlock::wanted() const {
+    const std::size_t state = indexOf(DayNightRegister);
     const std::size_t mode = indexOf(DayNightModeRegister);
-    return mode < m_Values.size() && m_Values[mode] == ModeAutomatic;
+    if (state == m_Values.size() || mode == m_Values.size()) {
+        return Wanted::Day;
+    }
+    if (m_Model.registers[state].answersPicture) {
+        return m_Values[mode] == SwitchNight     ? Wanted::Night
+               : m_Values[state] == OpenBySensor ? Wanted::BySensor
+                                                 : Wanted::Day;
+    }
+    return m_Values[mode] == ModeAutomatic ? Wanted::BySensor
+           : m_Values[state] == StateNight ? Wanted::Night
+                                           : Wanted::Day;
 }
 
 std::optional<int> ViscaBlock::lamps() const {
-    static constexpr std::uint32_t BoardNight = 1;
     const std::size_t board = indexOf(PrivateDayNightRegister);
     if (board == m_Values.size()) {
         return std::nullopt;
@@ -342,10 +388,12 @@ ViscaBlock::Outcome ViscaBlock::setValue(std::size_t index, Bytes payload) {
         return Outcome::NotExecutable;
     }
     const ViscaRegister& row = m_Model.registers[index];
-    if (payload.size() != row.payload || !nibblesOnly(payload) || !accepts(row, valueOf(payload))) {
+    if (payload.size() != row.payload || !isPlain(row, payload) || !accepts(row, valueOf(row, payload))) {
         return Outcome::SyntaxError;
     }
-    store(index, valueOf(payload));
+    if (!row.forgets) {
+        store(index, valueOf(row, payload));
+    }
     return Outcome::Done;
 }
 
@@ -368,8 +416,9 @@ void ViscaBlock::inquire(Bytes payload) {
             return;
         }
         const ViscaRegister& row = m_Model.registers[index];
-        const std::uint32_t value = row.metered ? inForce(index) : m_Values[index];
-        if (row.payload == 1) {
+        const std::uint32_t value = isLive(row) ? inForce(index) : m_Values[index];
+        if (row.payload == 1 || row.wholeByte) {
+            length += row.payload - 1U;
             answerBytes[length++] = static_cast<std::uint8_t>(value);
         } else {
             for (unsigned nibble = row.payload; nibble > 0; --nibble) {
@@ -411,19 +460,28 @@ void ViscaBlock::store(std::size_t index, std::uint32_t value) {
     if (state == m_Values.size() || mode == m_Values.size() || privateState == m_Values.size()) {
         return;
     }
-    if (code == PrivateDayNightRegister) {
-        m_Values[mode] = value == 0 ? ModeAutomatic : ModeManual;
-        if (value != 0) {
-            m_Values[state] = value == 1 ? StateNight : StateDay;
+    const bool isSwitch = m_Model.registers[state].answersPicture;
+    if (code == PrivateDayNightRegister && isSwitch) {
+        m_Values[mode] = value == BoardNight ? SwitchNight : SwitchOpen;
+        if (value != BoardNight) {
+            m_Values[state] = value == BoardAutomatic ? OpenBySensor : OpenDay;
+        }
+    } else if (code == PrivateDayNightRegister) {
+        m_Values[mode] = value == BoardAutomatic ? ModeAutomatic : ModeManual;
+        if (value != BoardAutomatic) {
+            m_Values[state] = value == BoardNight ? StateNight : StateDay;
         }
     } else if (code == DayNightRegister || code == DayNightModeRegister) {
-        m_Values[privateState] = m_Values[mode] == ModeAutomatic ? 0 : m_Values[state] == StateNight ? 1 : 2;
+        const Wanted now = wanted();
+        m_Values[privateState] = now == Wanted::BySensor ? BoardAutomatic
+                                 : now == Wanted::Night  ? BoardNight
+                                                         : BoardDay;
     } else {
         return;
     }
     // A state written in automatic mode stands until the light or the mode changes: some hosts write it just before
     // they switch to manual.
-    if (code != DayNightRegister) {
+    if (code != DayNightRegister || isSwitch) {
         ambientChanged();
     }
 }
@@ -474,9 +532,15 @@ void ViscaBlock::resetRegisters(bool loseState) {
 
 void ViscaBlock::ambientChanged() {
     const std::size_t state = indexOf(DayNightRegister);
-    const std::size_t mode = indexOf(DayNightModeRegister);
-    if (state < m_Values.size() && mode < m_Values.size() && m_Values[mode] == ModeAutomatic) {
-        m_Values[state] = ambient() == Ambient::Dark ? StateNight : StateDay;
+    if (state == m_Values.size()) {
+        return;
+    }
+    const Wanted now = wanted();
+    const std::uint32_t seen = ambient() == Ambient::Dark ? StateNight : StateDay;
+    if (m_Model.registers[state].answersPicture) {
+        m_InForce[state] = now == Wanted::BySensor ? seen : now == Wanted::Night ? StateNight : StateDay;
+    } else if (now == Wanted::BySensor) {
+        m_Values[state] = seen;
     }
 }
 

@@ -51,11 +51,17 @@ private:
     static constexpr std::uint32_t FieldsPerRegister = 0x10;
 
     enum class Outcome { Done, SyntaxError, NotExecutable };
+    /// The picture that the host asked for.
+    enum class Wanted { Day, Night, BySensor };
 
     std::size_t indexOf(std::uint32_t code) const;
     std::size_t indexOfCommand(std::span<const std::uint8_t> payload, std::size_t& codeLength) const;
     std::uint32_t inForce(std::size_t index) const;
+    std::uint32_t metered(std::size_t index) const;
+    /// Whether an inquiry gives the value in force rather than the one that was written.
+    static bool isLive(const ViscaRegister& row);
     bool hasInForce(std::size_t index) const;
+    Wanted wanted() const;
     const ViscaField* fieldAt(std::uint32_t address, std::size_t& index) const;
     static std::string valueText(const ViscaRegister& row, std::uint32_t value);
     std::string describePrivate(std::span<const std::uint8_t> frame) const;

@@ -1,6 +1,7 @@
 // What ViscaBlock says about the frames on its line.
 #include "simulator/HexText.h"
 #include "simulator/ViscaBlock.h"
+#include "simulator/ViscaRows.h"
 #include "simulator/ViscaWire.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ std::string ViscaBlock::describeFrame(Bytes frame) const {
     if (value.size() != row.payload) {
         return std::string(row.name) + " with a wrong length";
     }
-    return std::string(row.name) + ' ' + valueText(row, valueOf(value));
+    return std::string(row.name) + ' ' + valueText(row, valueOf(row, value));
 }
 
 std::string ViscaBlock::describePrivate(Bytes frame) const {
@@ -102,10 +103,14 @@ std::string ViscaBlock::describePage(Bytes frame) const {
         return "unknown frame";
     }
     const std::size_t index = indexOf(pageCode(frame));
-    const std::string name = index < m_Values.size() ? std::string(m_Model.registers[index].name)
-                                                     : "unknown register " + hexBytes(frame.subspan(6, 2)) +
-                                                           " of page " + hexNumber(frame[5]);
-    return isPageInquiry(frame) ? "inquiry " + name : name + ' ' + hexNumber(valueOf(frame.subspan(8, 2)));
+    if (index == m_Values.size()) {
+        const std::string name =
+            "unknown register " + hexBytes(frame.subspan(6, 2)) + " of page " + hexNumber(frame[5]);
+        return isPageInquiry(frame) ? "inquiry " + name : name + " with " + hexBytes(frame.subspan(8, 2));
+    }
+    const ViscaRegister& row = m_Model.registers[index];
+    return isPageInquiry(frame) ? "inquiry " + std::string(row.name)
+                                : std::string(row.name) + ' ' + valueText(row, valueOf(row, frame.subspan(8, 2)));
 }
 
 std::size_t ViscaBlock::replyLength(Bytes bytes) const {
@@ -157,7 +162,9 @@ std::string ViscaBlock::describeAnswer(Bytes values, Bytes inquiry) const {
         return "answer " + hexBytes(values);
     }
     const ViscaRegister& row = m_Model.registers[index];
-    return "answer: " + std::string(row.name) + ' ' + valueText(row, valueOf(values));
+    const std::uint32_t value = valueOf(row, values);
+    return "answer: " + std::string(row.name) + ' ' +
+           (row.answersPicture ? std::string(wordOf(DayNightWords, value)) : valueText(row, value));
 }
 
 } // namespace camerasim

@@ -24,6 +24,9 @@ struct ViscaField {
     }
 };
 
+/// What of the exposure a register holds that automatic exposure moves with the light.
+enum class Metering { None, Gain, Iris, Shutter };
+
 /// One register of a model: what command 81 01 04 code payload FF sets and inquiry 81 09 04 code FF gives.
 struct ViscaRegister {
     /// One byte, or two where a sub-code follows (2472), or FE00 + selector for a private frame, or 7F, page and two
@@ -32,6 +35,8 @@ struct ViscaRegister {
     std::string_view name;
     /// Bytes after the code; from two on, each carries one nibble of the value, the highest first.
     std::uint8_t payload = 1;
+    /// The last of those bytes carries the whole value, those before it are 0.
+    bool wholeByte = false;
     std::uint32_t factory = 0;
     /// Accepted values, unless `listed` names them.
     std::uint32_t first = 0;
@@ -45,9 +50,16 @@ struct ViscaRegister {
     bool readOnly = false;
     /// A written value comes into force with the next restart; the one in force stands at code + 10000 hex.
     bool atRestart = false;
-    /// A gain: unless exposure is manual an inquiry gives what the light at the sensor asks for, up to the gain limit.
-    /// That also stands at code + 10000 hex.
-    bool metered = false;
+    /// Acknowledges a written value and keeps its own.
+    bool forgets = false;
+    /// While exposure moves it, an inquiry gives what the light at the sensor asks for: a gain from the least up to the
+    /// gain limit, an iris from the factory value down to the first accepted, a shutter from the factory value up to
+    /// the last. That also stands at code + 10000 hex.
+    Metering metering = Metering::None;
+    /// For register 01 of a block that is switched by two commands: 51 03 is night, 51 02 leaves it to register 01,
+    /// where 02 is day and 03 its own sensor. An inquiry gives the picture, 02 night and 03 day as elsewhere; that also
+    /// stands at code + 10000 hex.
+    bool answersPicture = false;
 };
 
 /// A command that moves a register: 81 01 04 code value FF.

@@ -17,6 +17,16 @@ inline constexpr std::array<ValueWord, 2> DayNightModeWords{{{2, "automatic"}, {
 inline constexpr std::array<ValueWord, 3> PrivateDayNightWords{{{0, "automatic"}, {1, "night"}, {2, "day"}}};
 inline constexpr std::array<ValueWord, 2> VideoWords{{{6, "NTSC"}, {8, "PAL"}}};
 inline constexpr std::array<std::uint8_t, 3> VideoSystems{0x00, 0x06, 0x08};
+/// Of models with a wider video system: 00 0E and 01 01 on the wire.
+inline constexpr std::array<ValueWord, 2> WideVideoWords{{{0x0e, "NTSC"}, {0x11, "PAL"}}};
+inline constexpr std::array<std::uint8_t, 2> WideVideoSystems{0x0e, 0x11};
+inline constexpr ViscaRegister WideVideoRow{.code = 0x2472,
+                                            .name = "video system",
+                                            .payload = 2,
+                                            .factory = 0x11,
+                                            .listed = WideVideoSystems,
+                                            .words = WideVideoWords,
+                                            .atRestart = true};
 
 inline constexpr auto CommonRows = std::to_array<ViscaRegister>({
     {.code = 0x01, .name = "day/night", .factory = 3, .first = 2, .last = 3, .words = DayNightWords},
@@ -60,13 +70,39 @@ inline constexpr auto LensSteps = std::to_array<ViscaStep>({
     {.code = 0x18, .value = 1, .name = "one-push trigger", .target = 0x48, .position = 0x2a00},
 });
 
-/// The common rows and a model's own, which have other codes.
-template <std::size_t Common, std::size_t Own>
-constexpr std::array<ViscaRegister, Common + Own> joined(const std::array<ViscaRegister, Common>& common,
-                                                         const std::array<ViscaRegister, Own>& own) {
-    std::array<ViscaRegister, Common + Own> rows;
-    std::copy(own.begin(), own.end(), std::copy(common.begin(), common.end(), rows.begin()));
+/// Rows with some of them changed, each in the place of the row with its code.
+template <std::size_t Count, std::size_t Changed>
+consteval std::array<ViscaRegister, Count> replaced(std::array<ViscaRegister, Count> rows,
+                                                    const std::array<ViscaRegister, Changed>& changes) {
+    for (const ViscaRegister& change : changes) {
+        const auto it =
+            std::find_if(rows.begin(), rows.end(), [&](const ViscaRegister& row) { return row.code == change.code; });
+        *it = change; // no constant expression where no row has the code
+    }
     return rows;
+}
+
+/// Rows without those of some codes.
+template <std::size_t Count, std::size_t Left>
+consteval std::array<ViscaRegister, Count - Left> without(const std::array<ViscaRegister, Count>& rows,
+                                                          const std::array<std::uint32_t, Left>& codes) {
+    std::array<ViscaRegister, Count - Left> rest;
+    auto next = rest.begin();
+    for (const ViscaRegister& row : rows) {
+        if (std::find(codes.begin(), codes.end(), row.code) == codes.end()) {
+            *next++ = row;
+        }
+    }
+    return next == rest.end() ? rest : throw "a code that no row has";
+}
+
+/// Rows and more of them, which have other codes.
+template <std::size_t Count, std::size_t Added>
+consteval std::array<ViscaRegister, Count + Added> joined(const std::array<ViscaRegister, Count>& rows,
+                                                          const std::array<ViscaRegister, Added>& more) {
+    std::array<ViscaRegister, Count + Added> all;
+    std::copy(more.begin(), more.end(), std::copy(rows.begin(), rows.end(), all.begin()));
+    return all;
 }
 
 } // namespace camerasim::visca

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/ViscaModel.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -43,6 +45,11 @@ inline constexpr std::uint8_t ModeAutomatic = 0x02;
 inline constexpr std::uint8_t ModeManual = 0x03;
 inline constexpr std::uint8_t StateNight = 0x02;
 inline constexpr std::uint8_t StateDay = 0x03;
+/// Where register 51 leaves the picture to register 01: see ViscaRegister::answersPicture.
+inline constexpr std::uint8_t SwitchOpen = 0x02;
+inline constexpr std::uint8_t SwitchNight = 0x03;
+inline constexpr std::uint8_t OpenDay = 0x02;
+inline constexpr std::uint8_t OpenBySensor = 0x03;
 
 /// Compares what has come with the fixed beginning of a frame, as far as both reach.
 inline bool startsLike(Bytes bytes, Bytes start) {
@@ -77,9 +84,9 @@ inline std::uint32_t pageCode(Bytes frame) {
            frame[7];
 }
 
-inline std::uint32_t valueOf(Bytes payload) {
-    if (payload.size() == 1) {
-        return payload[0];
+inline std::uint32_t valueOf(const ViscaRegister& row, Bytes payload) {
+    if (payload.size() == 1 || row.wholeByte) {
+        return payload.back();
     }
     std::uint32_t value = 0;
     for (const std::uint8_t nibble : payload) {
@@ -88,8 +95,11 @@ inline std::uint32_t valueOf(Bytes payload) {
     return value;
 }
 
-inline bool nibblesOnly(Bytes payload) {
-    return payload.size() == 1 || std::all_of(payload.begin(), payload.end(), [](std::uint8_t b) { return b < 0x10; });
+/// Whether no bit is set that the value does not carry.
+inline bool isPlain(const ViscaRegister& row, Bytes payload) {
+    const Bytes nibbles = payload.first(row.wholeByte || payload.size() == 1 ? payload.size() - 1 : payload.size());
+    const std::uint8_t most = row.wholeByte ? 0x00 : 0x0f;
+    return std::all_of(nibbles.begin(), nibbles.end(), [most](std::uint8_t byte) { return byte <= most; });
 }
 
 } // namespace camerasim::visca

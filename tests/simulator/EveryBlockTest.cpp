@@ -5,6 +5,7 @@
 #include "simulator/InProcessLine.h"
 #include "simulator/StateFile.h"
 
+#include <algorithm>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -27,7 +28,8 @@ struct Sample {
     std::string saveReply = "";
     std::string night = ""; ///< commands a black-and-white picture
     std::string day = "";
-    std::string automatic = ""; ///< leaves the picture to the block, where it has a sensor
+    std::string automatic = "";          ///< leaves the picture to the block, where it has a sensor
+    std::vector<std::string> alike = {}; ///< models with the same sample
 };
 
 const Sample Samples[] = {
@@ -42,7 +44,32 @@ const Sample Samples[] = {
      .answerMeaning = "answer: brightness 05",
      .night = "81 01 04 51 03 FF 81 01 04 01 02 FF",
      .day = "81 01 04 51 03 FF 81 01 04 01 03 FF",
-     .automatic = "81 01 04 51 02 FF"},
+     .automatic = "81 01 04 51 02 FF",
+     .alike = {"cmd8100_old", "cmd7300", "no_sensor_ui", "sony_ch3310"}},
+    {.name = "cmd8300",
+     .reg = "threshold night to day",
+     .value = 0x74,
+     .set = "81 01 04 21 00 00 07 04 FF",
+     .reply = "90 41 FF",
+     .inquiry = "81 09 04 21 00 FF",
+     .answer = "90 50 00 07 04 FF",
+     .meaning = "threshold night to day 74",
+     .answerMeaning = "answer: threshold night to day 74",
+     .night = "81 01 04 51 03 FF 81 01 04 01 03 FF",
+     .day = "81 01 04 51 02 FF 81 01 04 01 02 FF",
+     .automatic = "81 01 04 51 02 FF 81 01 04 01 03 FF"},
+    {.name = "sony_cv7500",
+     .reg = "point light 2",
+     .value = 0x35,
+     .set = "81 01 7F 7F 02 0B 04 0C 03 05 FF",
+     .reply = "90 41 FF",
+     .inquiry = "81 09 7F 7F 01 0B 04 0C FF",
+     .answer = "90 50 00 00 03 05 FF",
+     .meaning = "point light 2 open",
+     .answerMeaning = "answer: point light 2 open",
+     .night = "81 01 04 01 02 FF 81 01 04 51 03 FF",
+     .day = "81 01 04 01 03 FF 81 01 04 51 03 FF",
+     .automatic = "81 01 04 01 03 FF 81 01 04 51 02 FF"},
     {.name = "sony_eh4300",
      .reg = "lens movement",
      .value = 0xff,
@@ -110,7 +137,8 @@ class EveryBlock : public testing::TestWithParam<BlockEntry> {
 protected:
     void SetUp() override {
         for (const Sample& sample : Samples)
-            if (sample.name == GetParam().name)
+            if (sample.name == GetParam().name ||
+                std::find(sample.alike.begin(), sample.alike.end(), GetParam().name) != sample.alike.end())
                 m_Sample = sample;
         ASSERT_FALSE(m_Sample.name.empty()) << "a model without a sample in this test";
         makeLine({});

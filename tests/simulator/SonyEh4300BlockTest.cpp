@@ -2,8 +2,6 @@
 
 #include "ViscaCases.h"
 
-#include <array>
-
 namespace camerasim {
 namespace {
 
@@ -84,36 +82,6 @@ TEST(SonyEh6300Block, AnswersFromItsSecondSocket) {
     SonyEh6300Block block(BlockSettings{.habit = ReplyHabit::AcknowledgeThenComplete});
     play(block, "81 01 04 53 05 FF=90 42 FF;90 52 FF|81 01 04 47 00 FF=90 62 41 FF|81 09 04 53 FF=90 50 05 FF|"
                 "81 01 04 19 03 FF=90 42 FF");
-}
-
-// No model has pages yet.
-class PagedBlock : public ViscaBlock {
-public:
-    PagedBlock() : ViscaBlock(Model, {}) {}
-
-private:
-    static constexpr auto Rows = std::to_array<ViscaRegister>({
-        {.code = 0x53, .name = "noise reduction", .last = 5},
-        {.code = 0x7f000001, .name = "page lock", .payload = 2, .last = 1},
-        {.code = 0x7f0b0409, .name = "point focus 0", .payload = 2, .factory = 0xf0},
-    });
-    static constexpr ViscaModel Model{.name = "paged", .registers = Rows, .hasPages = true};
-};
-
-TEST(PagedBlock, RegistersAreAddressedByPage) {
-    PagedBlock block;
-    play(block, "81 01 7F 01 7F FF=90 41 FF=open the pages|81 01 7F 7F 02 00 00 01 00 01 FF=90 41 FF=page lock 01|"
-                "81 09 7F 7F 01 0B 04 09 FF=90 50 00 00 0F 00 FF=inquiry point focus 0|"
-                "81 01 7F 7F 02 0B 04 09 03 05 FF=90 41 FF=point focus 0 35=7F0B0409 35|"
-                "81 09 7F 7F 01 0B 04 09 FF=90 50 00 00 03 05 FF|"
-                "81 01 7F 7F 02 0B 04 0A 03 05 FF=90 61 41 FF=unknown register 04 0A of page 0B 35|"
-                "81 09 7F 7F 01 0C 04 09 FF=90 61 41 FF=inquiry unknown register 04 09 of page 0C|"
-                "81 01 7F 7F 02 00 00 01 00 02 FF=90 60 02 FF|81 01 7F 7F 02 0B 04 09 10 05 FF=90 60 02 FF|"
-                "81 01 7F 7F 03 0B 04 09 03 05 FF=90 60 02 FF=unknown frame=7F0B0409 35");
-    EXPECT_EQ(block.describeReply(wire("90 50 00 00 03 05 FF"), wire("81 09 7F 7F 01 0B 04 09 FF")),
-              "answer: point focus 0 35");
-    SonyEh4300Block plain;
-    play(plain, "81 01 7F 01 7F FF=90 60 02 FF=unknown frame");
 }
 
 } // namespace
