@@ -189,7 +189,7 @@ int IBaseIT1SenseController::baseSendCommand(char* command, int commandLength, c
     case Outcome::ShortSend:
         ErrorPrintf("p_pszSendCommandLen = %d,nSendLength=%d", commandLength, made.count);
         return ShortSendFailure;
-    case Outcome::Silent:
+    case Outcome::NoReply:
         ErrorPrintf("recv dataCount failed,nRecvLength=%d", made.count);
         return ReceiveFailure;
     case Outcome::Short:
