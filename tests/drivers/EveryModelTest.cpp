@@ -6,6 +6,7 @@
 #include "host/SensorParameterParser.h"
 #include "host/imaging/ImagingStandIn.h"
 #include "simulator/BlockRegistry.h"
+#include "simulator/FaultPlan.h"
 #include "support/Cmd8100Bench.h"
 
 #include <algorithm>
@@ -134,6 +135,49 @@ TEST_P(EveryModel, AnswersForIdsThatItDoesNotServe) {
         }
     }
     EXPECT_FALSE(takeTraffic());
+}
+
+// Every kind of fault on every fifth parameter, each parameter under some of the kinds.
+TEST_P(EveryModel, SaysUnderEveryFaultWhatBecameOfASettingAndServesTheNext) {
+    const std::optional<ModelInfo> model = describeModel(GetParam());
+    if (m_pPort.get() == nullptr || isClosed(*model))
+        return; // nothing can happen to it on the wire
+    const auto cached = [this](int id) {
+        std::string text;
+        return m_pController->getParameters("(" + std::to_string(id) + ")", text) ? text : "";
+    };
+    std::size_t turn = 0;
+    for (const std::string_view kind : camerasim::FaultPlan::names()) {
+        ++turn;
+        for (const ParameterInfo& parameter : model->parameters) {
+            if (++turn % 5 != 0 || parameter.isCommand || parameter.accepts.empty() || parameter.id >= 500)
+                continue;
+            SCOPED_TRACE(std::string(kind) + " on " + parameter.name);
+            const std::string before = cached(parameter.id);
+            const auto [low, high] = parameter.accepts.front();
+            const std::string id = std::to_string(parameter.id);
+            std::string asked = "(" + id + "," + std::to_string(low) + ")";
+            if (asked == before)
+                asked = "(" + id + "," + std::to_string(high) + ")";
+
+            m_pPort->addFault(std::string(kind) + "@every");
+            OperationReport report;
+            {
+                const ReportScope scope(report);
+                const int isSet = m_pController->setParameters(asked);
+                EXPECT_EQ(cached(parameter.id), isSet ? asked : before);
+                EXPECT_TRUE(isSet == 1 || !report.parameters.empty());
+            }
+            EXPECT_LE(report.frames.size(), 3U * 6) << "as many tries as a setting of several frames has";
+            m_pPort->clearFaults();
+            m_pClock->advance(10); // boots and late replies are over
+            EXPECT_EQ(m_pController->setParameters(asked), 1);
+            if (parameter.factoryValue) {
+                EXPECT_EQ(m_pController->setParameters("(" + id + "," + std::to_string(*parameter.factoryValue) + ")"),
+                          1);
+            }
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Models, EveryModel, ::testing::ValuesIn(listModuleIds()),
