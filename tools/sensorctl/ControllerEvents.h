@@ -2,6 +2,7 @@
 
 #include "controller/ControllerObserver.h"
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 #include <vector>
@@ -25,7 +26,13 @@ public:
     /// Shows how a start gets on; null: nobody. While no start is under way.
     void setProgress(Progress* progress) { m_pProgress = progress; }
 
-    void onDayNight(int status) override { add(Kind::DayNight, status); }
+    /// The day/night status told last: 1 day, 0 night, -1 none yet. Any thread.
+    int dayNight() const { return m_nDayNight; }
+
+    void onDayNight(int status) override {
+        m_nDayNight = status;
+        add(Kind::DayNight, status);
+    }
     void onScheme(int scheme) override { add(Kind::Scheme, scheme); }
     void onPortLost() override { add(Kind::Port, 0); }
     void onPortBack() override { add(Kind::Port, 1); }
@@ -34,6 +41,7 @@ public:
 private:
     void add(Kind kind, int value);
 
+    std::atomic<int> m_nDayNight{-1};
     std::mutex m_Mutex;
     std::vector<Event> m_Events;
     Progress* m_pProgress = nullptr;

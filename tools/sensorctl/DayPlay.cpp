@@ -1,6 +1,7 @@
 #include "DayPlay.h"
 
 #include "Commands.h"
+#include "DayNightModes.h"
 #include "Explanation.h"
 #include "Failure.h"
 #include "Interrupt.h"
@@ -203,17 +204,23 @@ std::string DayPlay::whyPicture(const DayRecord::Moment& now) {
     std::string scheme;
     if (m_nSchemeChange >= 0 && now.second - m_nSchemeChange < BySchemeSeconds)
         scheme = ", with scheme " + std::to_string(now.scheme);
-    const int mode = value("DayNightMode").value_or(-1);
-    if (mode == 0)
-        return "automatic: " + m_pWorld->cause(TimeOfDay::textOfSecond(m_nSkyChange)) + scheme;
-    if (mode == 1 || mode == 2)
-        return std::string("fixed to ") + (mode == 1 ? "day" : "night") + scheme;
+    const DayNightModes modes(m_Parameters);
+    const std::optional<int> number = modes.parameter() != nullptr ? value(modes.parameter()->name) : std::nullopt;
+    const std::string_view mode = number ? modes.modeOf(*number) : "";
+    const std::string cause = m_pWorld->cause(TimeOfDay::textOfSecond(m_nSkyChange));
+    if (mode == "auto")
+        return "automatic: " + cause + scheme;
+    if (mode == "day" || mode == "night")
+        return "fixed to " + std::string(mode) + scheme;
     const char* const start = isDay ? "NTDTime" : "DTNTime";
     const std::optional<int> hour = value(std::string(start) + "_H");
     const std::optional<int> tens = value(std::string(start) + "_M");
-    if (mode == 3 && hour && tens)
+    if (mode == "clock" && hour && tens)
         return std::string("by the clock: ") + (isDay ? "day" : "night") + " from " +
                TimeOfDay::text(*hour * 60 + *tens * 10) + scheme;
+    // A module that keeps its decision to itself is judged by what it shows.
+    if (modes.parameter() == nullptr && isDay == now.sight.isLight)
+        return "with the sky: " + cause + scheme;
     return "left to the module" + scheme;
 }
 

@@ -221,6 +221,9 @@ int Session::dayNightStatus() {
     int status = m_Options.isOnChip() ? pictureOfPipeline() : -1;
     perform(
         "day/night status", [&] { return controller().getCurrentDNStatus(status); }, Refused, "");
+    // A module that polls its block by itself gives nothing here, and tells what it found.
+    if (status == -1)
+        status = m_Events.dayNight();
     if (status != 0 && status != 1)
         throw Failure(Refused, "day/night status: the module reports none");
     return status;

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "DayNightModes.h"
 #include "Failure.h"
 #include "InputLines.h"
 #include "Interrupt.h"
@@ -6,12 +7,10 @@
 #include "Session.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <string_view>
 
 namespace sensorctl {
 
@@ -20,17 +19,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr const char* ModeParameter = "DayNightMode";
 constexpr milliseconds PollSpan{250};
 /// The answer to the last inquiry of a bring-up is still in the port: the first readings may stumble over it.
 constexpr int FirstReadings = 12;
-
-struct ModeRow {
-    std::string_view name;
-    int value;
-};
-
-constexpr auto Modes = std::to_array<ModeRow>({{"auto", 0}, {"day", 1}, {"night", 2}, {"clock", 3}, {"module", 4}});
 
 const char* stateText(int status) { return status == 1 ? "day" : "night"; }
 
@@ -129,29 +120,33 @@ void recordEvent(Output& output, Clock::time_point start, const ControllerEvents
 } // namespace
 
 void setDayNight(Session& session, const std::string& mode) {
-    for (const ModeRow& row : Modes) {
-        if (row.name != mode)
-            continue;
-        const OperationReport report = session.set({{session.parameters().find(ModeParameter).id, row.value}});
-        for (const OperationReport::Parameter& parameter : report.parameters)
-            if (!isTaken(parameter))
-                throw session.explain(report, parameter);
-        return;
-    }
-    throw Failure(Usage, "daynight: \"" + mode + "\" is no mode", {"there are: auto, day, night, clock, module"});
+    const DayNightModes modes(session.parameters());
+    if (modes.parameter() == nullptr)
+        throw Failure(Usage, "daynight: " + session.parameters().className() + " has no parameter for it",
+                      {"try: sensorctl list, for one of the module's own"});
+    const std::optional<int> value = modes.valueOf(mode);
+    if (!value)
+        throw Failure(Usage, "daynight: \"" + mode + "\" is no mode", {"there are: " + modes.list()});
+    const OperationReport report = session.set({{modes.parameter()->id, *value}});
+    for (const OperationReport::Parameter& parameter : report.parameters)
+        if (!isTaken(parameter))
+            throw session.explain(report, parameter);
 }
 
 void showDayNight(Output& output, Session& session) {
-    const std::string state = stateText(settledState(session));
-    const int mode = session.readValue(session.parameters().find(ModeParameter));
-    std::string name = std::to_string(mode);
-    for (const ModeRow& row : Modes)
-        if (row.value == mode)
-            name = row.name;
+    const DayNightModes modes(session.parameters());
     nlohmann::ordered_json object;
-    object["state"] = state;
-    object["mode"] = name;
-    output.record("daynight " + state + " mode " + name, object);
+    object["state"] = stateText(settledState(session));
+    object["mode"] = nullptr;
+    std::string name = "-";
+    if (modes.parameter() != nullptr) {
+        const int mode = session.readValue(*modes.parameter());
+        name = modes.modeOf(mode);
+        if (name.empty())
+            name = std::to_string(mode);
+        object["mode"] = name;
+    }
+    output.record("daynight " + object["state"].get<std::string>() + " mode " + name, object);
 }
 
 int dayNight(Output& output, const TargetOptions& target, const DayNightOptions& options) {
