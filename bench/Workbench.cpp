@@ -50,20 +50,45 @@ Workbench::Workbench() : m_pClock(std::make_shared<sensorhost::SimulatedClock>()
     sensorhost::setRootFolder(m_strRoot);
     sensorhost::installClock(m_pClock);
 
-    camerasim::BlockSettings settings;
-    settings.bootTime = 0;
-    m_pServer = std::make_unique<camerasim::PtyServer>(
-        camerasim::makeBlock(16, settings), camerasim::PtyServer::Settings{.baud = 0, .linkPath = m_strLink});
-    std::string error;
-    if (!m_pServer->start(error)) {
-        std::fprintf(stderr, "%s\n", error.c_str());
-        std::abort();
-    }
+    m_pServer = serve(16, m_strLink);
     Quiet quiet;
     m_pController = start();
 }
 
+std::unique_ptr<camerasim::PtyServer> Workbench::serve(int moduleId, const std::string& link) {
+    camerasim::BlockSettings settings;
+    settings.bootTime = 0;
+    auto server = std::make_unique<camerasim::PtyServer>(camerasim::makeBlock(moduleId, settings),
+                                                         camerasim::PtyServer::Settings{.baud = 0, .linkPath = link});
+    std::string error;
+    if (!server->start(error)) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        std::abort();
+    }
+    return server;
+}
+
+Workbench::Member& Workbench::member(int moduleId) {
+    Member& member = m_Members[moduleId];
+    if (member.controller.get() != nullptr)
+        return member;
+    Quiet quiet;
+    const std::string name = std::to_string(moduleId);
+    member.portPath = m_strRoot + "/port" + name;
+    m_Servers.push_back(serve(moduleId, member.portPath));
+    member.controller = SenseControllerFactory::create(moduleId);
+    member.controller->setOperator(SafePointer<IUARTController>(new sensorhost::SerialPort),
+                                   SafePointer<IGPIO>(new sensorhost::MemoryGpio));
+    const ModuleConfigure configure(
+        moduleId, "RS485=" + member.portPath + ";RS232=" + member.portPath + ";isInfrared=0;GPIO=0,12,1",
+        "RS485=9600,8,1,0;RS232=9600,8,1,0");
+    if (!member.controller->initController(1, configure))
+        std::abort();
+    return member;
+}
+
 Workbench::~Workbench() {
+    m_Members.clear();
     m_pOnChipController = SafePointer<ISensorController>();
     m_pController = SafePointer<ISensorController>();
     sensorhost::installClock(nullptr);

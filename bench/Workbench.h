@@ -5,8 +5,10 @@
 #include "host/linux/SimulatedClock.h"
 #include "simulator/PtyServer.h"
 
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 /// A CMD8100 controller, up, on a simulated block behind a real pseudo-terminal without line speed. The library's own
 /// waits pass on a simulated clock. The library's console goes to /dev/null.
@@ -16,6 +18,13 @@ public:
     ~Workbench();
     Workbench(const Workbench&) = delete;
     Workbench& operator=(const Workbench&) = delete;
+
+    /// A further controller, up on a block of its own behind a pseudo-terminal of its own; the path of its port.
+    struct Member {
+        SafePointer<ISensorController> controller;
+        std::string portPath;
+    };
+    Member& member(int moduleId);
 
     ISensorController& controller() { return *m_pController; }
     const std::string& portPath() const { return m_strLink; }
@@ -27,6 +36,7 @@ public:
     void bringUpAgain();
 
 private:
+    std::unique_ptr<camerasim::PtyServer> serve(int moduleId, const std::string& link);
     SafePointer<ISensorController> start();
 
     std::string m_strRoot;
@@ -35,6 +45,8 @@ private:
     std::unique_ptr<camerasim::PtyServer> m_pServer;
     SafePointer<ISensorController> m_pController;
     SafePointer<ISensorController> m_pOnChipController;
+    std::vector<std::unique_ptr<camerasim::PtyServer>> m_Servers;
+    std::map<int, Member> m_Members;
 };
 
 /// The one of this process.

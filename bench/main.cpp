@@ -4,11 +4,17 @@
 
 #include "Measure.h"
 #include "Workbench.h"
+#include "drivers/binary/IBaseIT1SenseController.h"
+#include "drivers/regtext/CMD7200SenseController.h"
 #include "params/SensorCache.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <span>
+#include <string>
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -35,16 +41,16 @@ public:
     BareLoop(const BareLoop&) = delete;
     BareLoop& operator=(const BareLoop&) = delete;
 
-    bool exchange() const {
-        if (write(m_nPort, BrightnessFrame, sizeof BrightnessFrame) != sizeof BrightnessFrame)
+    bool exchange(std::span<const char> command = BrightnessFrame, std::size_t replyLength = 3) const {
+        if (write(m_nPort, command.data(), command.size()) != static_cast<ssize_t>(command.size()))
             return false;
-        char reply[3];
+        char reply[32];
         std::size_t received = 0;
-        while (received < sizeof reply) {
+        while (received < replyLength) {
             pollfd waiting{m_nPort, POLLIN, 0};
             if (poll(&waiting, 1, 1000) != 1)
                 return false;
-            const ssize_t count = read(m_nPort, reply + received, sizeof reply - received);
+            const ssize_t count = read(m_nPort, reply + received, replyLength - received);
             if (count <= 0)
                 return false;
             received += static_cast<std::size_t>(count);
@@ -54,6 +60,30 @@ public:
 
 private:
     int m_nPort;
+};
+
+/// One write of each of the other families.
+struct FamilyExchange {
+    const char* name;
+    int moduleId;
+    std::span<const char> command;
+    std::size_t replyLength;
+    int (*make)(ISensorController&);
+};
+
+constexpr char TextCommand[] = {':', 'W', 'F', 'D', '9', 'E', '7', 'F'};
+constexpr char BinaryCommand[] = {0x08, 0x01, 0x05, 0x02, 0x0a, 0x03, 0x7f, '\x9c'};
+constexpr FamilyExchange Families[] = {
+    {"register text", 22, TextCommand, sizeof TextCommand,
+     [](ISensorController& controller) {
+         return static_cast<CMD7200SenseController&>(controller).sendData({TextCommand, sizeof TextCommand});
+     }},
+    {"binary registers", 2, BinaryCommand, 5,
+     [](ISensorController& controller) {
+         char command[sizeof BinaryCommand];
+         std::ranges::copy(BinaryCommand, command);
+         return static_cast<IBaseIT1SenseController&>(controller).setParameterValue(command, sizeof command);
+     }},
 };
 
 std::string allValues() {
@@ -90,6 +120,16 @@ void bareExchangeOverPty(benchmark::State& state) {
             state.SkipWithError("no answer");
 }
 BENCHMARK(bareExchangeOverPty)->UseRealTime();
+
+void familyExchangeOverPty(benchmark::State& state) {
+    const FamilyExchange& family = Families[state.range(0)];
+    ISensorController& controller = *workbench().member(family.moduleId).controller;
+    state.SetLabel(family.name);
+    for (auto unused : state)
+        if (!family.make(controller))
+            state.SkipWithError("no answer");
+}
+BENCHMARK(familyExchangeOverPty)->DenseRange(0, std::size(Families) - 1)->UseRealTime();
 
 void unchangedParameterString(benchmark::State& state) {
     const std::string text = allValues();
@@ -171,6 +211,22 @@ bool checkSpeed() {
             });
         isKept &= isAnswered && report("exchange over a pty / bare write and read loop", ratio, 1.15);
     }
+    for (const FamilyExchange& family : Families) {
+        constexpr int Exchanges = 2000;
+        Workbench::Member& member = workbench().member(family.moduleId);
+        const BareLoop loop(member.portPath);
+        bool isAnswered = true;
+        const double ratio = medianRatio(
+            [&] {
+                for (int i = 0; i < Exchanges; ++i)
+                    isAnswered &= family.make(*member.controller) == 1;
+            },
+            [&] {
+                for (int i = 0; i < Exchanges; ++i)
+                    isAnswered &= loop.exchange(family.command, family.replyLength);
+            });
+        isKept &= isAnswered && report((std::string("the same in ") + family.name).c_str(), ratio, 1.15);
+    }
     constexpr int Parses = 20000;
     const double parsing = medianRatio(
         [&] {
@@ -201,6 +257,9 @@ bool checkAllocations() {
                allocationsPer(100, [&] { controller.setParameterValue(BrightnessFrame, sizeof BrightnessFrame); }), 0);
     isKept &= report("allocations per set of a changed value",
                      allocationsPer(20, [&] { controller.setParameter(1, value = 100 - value); }), 0);
+    for (const FamilyExchange& family : Families)
+        isKept &= report((std::string("allocations per exchange in ") + family.name).c_str(),
+                         allocationsPer(100, [&] { family.make(*workbench().member(family.moduleId).controller); }), 0);
     isKept &=
         report("allocations per get of one value", allocationsPer(100, [&] { controller.getParameter(1, value); }), 0);
     isKept &= report("allocations per get of several values",
