@@ -173,9 +173,9 @@ protected:
             c().*Peek::DayNight = value;
         } else if (name == "dayNightSetup") {
             struct It1 : IBaseIT1SenseController {
-                static constexpr auto DayNightSetup() { return &It1::m_nDayNightSetup; }
+                static constexpr auto dayNightSetup() { return &It1::m_nDayNightSetup; }
             };
-            dynamic_cast<IBaseIT1SenseController&>(c()).*It1::DayNightSetup() = value;
+            dynamic_cast<IBaseIT1SenseController&>(c()).*It1::dayNightSetup() = value;
         } else if (name == "infraredMode") {
             c().*Peek::InfraredMode = value;
         } else {
