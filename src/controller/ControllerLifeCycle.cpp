@@ -180,7 +180,7 @@ int ISensorController::Rooms::bringUp(int videoSystem, const ModuleConfigure& co
     enterStage(Stage::Notification);
     if (!c.NotifySensorInitComplate())
         c.InitPrintf("NotifySensorInitComplate failed");
-    isDrainDue = true;
+    isDrainDue = !traits.isParameterAccessClosed; // such a module is notified of nothing, and its thread reads the port
     if (!c.m_DNChangeThread->start())
         c.InitPrintf("m_DNChangeThread->start() failed");
     c.m_bisInited = true;

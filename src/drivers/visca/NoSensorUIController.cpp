@@ -59,12 +59,12 @@ int NoSensorUIController::initController(int, const ModuleConfigure& configure) 
     ModuleKeys keys(*this, configure, recipe.outlet);
     std::string deviceName;
     std::string lineText;
-    return keys.parseDetail() && keys.detail(recipe.key, deviceName, recipe.deviceFailure) && keys.parseParameters() &&
-                   keys.parameter(recipe.key, lineText, recipe.lineFailure) &&
-                   openPort(*this, *m_pUARTController, recipe, deviceName, lineText, m_nUartHandle) &&
-                   m_pDNThread->start()
-               ? 1
-               : 0;
+    if (!keys.parseDetail() || !keys.detail(recipe.key, deviceName, recipe.deviceFailure) || !keys.parseParameters() ||
+        !keys.parameter(recipe.key, lineText, recipe.lineFailure) ||
+        !openPort(*this, *m_pUARTController, recipe, deviceName, lineText, m_nUartHandle))
+        return 0;
+    m_pDNThread->start();
+    return 1;
 }
 
 int NoSensorUIController::setParameterValue(const char* command, int length) {
