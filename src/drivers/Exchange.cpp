@@ -61,10 +61,12 @@ Attempt tryOnce(const SerialLine& line, const Link& link, std::span<const char> 
 bool isEcho(std::span<const char> command, std::span<const char> reply) { return std::ranges::equal(command, reply); }
 
 bool isSumRight(std::span<const char>, std::span<const char> reply) {
+    if (reply.size() < 2)
+        return false;
     unsigned int sum = 0;
-    for (const char byte : reply.first(reply.empty() ? 0 : reply.size() - 1))
+    for (const char byte : reply.first(reply.size() - 1))
         sum += static_cast<unsigned char>(byte);
-    return !reply.empty() && (sum & 0xffU) == static_cast<unsigned char>(reply.back());
+    return (sum & 0xffU) == static_cast<unsigned char>(reply.back());
 }
 
 bool isExchangeable(const SerialLine& line, const char* name, int length, int asked) {

@@ -159,6 +159,7 @@ TEST_F(It1, AnExchangeFailsInItsWays) {
           {{"06", "01 03"}, "-2 recv data failed,nRecvLength=2,nRecvCount=5"},
           {{"06", "01 03 01 80 8C"}, "-3 checkSum error,nExpectedCheckSum = 0x8b,actualCheckSum=0x8c"},
           {{"01"}, "-3 checkSum error,nExpectedCheckSum = 0x00,actualCheckSum=0x01"},
+          {{"00"}, "-2 recv data failed,nRecvLength=0,nRecvCount=-1"},
           {{"0B"}, "-4"}}) {
         char result[10] = {};
         script->m_Replies = replies;

@@ -201,6 +201,10 @@ int IBaseIT1SenseController::baseSendCommand(char* command, int commandLength, c
     case Outcome::Refused:
         break;
     }
+    if (length == 0) { // a frame that does not even count its first byte
+        ErrorPrintf("recv data failed,nRecvLength=%d,nRecvCount=%d", 0, -1);
+        return ReceiveFailure;
+    }
     char computed[UCHAR_MAX + 1];
     std::ranges::copy(made.reply, computed);
     computeCheckSum(computed, length);

@@ -96,7 +96,7 @@ inline constexpr auto Rows = std::to_array<ParameterRow>({
     {.id = 12,
      .name = "Gama",
      .accepts = range(96, 160),
-     .refusal = console("setGama(%d) is out of range\n"),
+     .refusal = console("setGama(%d) is out of range"),
      .steps = Gammas,
      .read = {.inquiry = reading(0x16, 0x04, 1)},
      .getFailure = "get setGama(%d) failed\n"},

@@ -10,6 +10,7 @@
 #include "drivers/TableEdits.h"
 #include "drivers/TableProof.h"
 #include "drivers/binary/IT1Rows.h"
+#include "host/BreltoTime.h"
 #include "host/ModuleConfigure.h"
 #include "host/ScopedLock.h"
 
@@ -23,6 +24,13 @@ using Block = IT1ZoomModuleSenseController;
 constexpr int FocusModeId = 21;
 
 /// The lens answers nothing, so there is nothing to wait for.
+/// Set without a wait, but read with that of the parameters of the block.
+int readAsTheOthers(ISensorController&, int& value) {
+    value = 0;
+    BreltoTime::wait(BreltoTime(0, 100000));
+    return 1;
+}
+
 constexpr auto LensRows = std::to_array<ParameterRow>({
     {.id = 20, .name = "AutoFocus", .accepts = range(1, 4), .set = call<&Block::setAutoFocus>, .factory = 4, .wait = 0},
     {.id = FocusModeId,
@@ -35,7 +43,7 @@ constexpr auto LensRows = std::to_array<ParameterRow>({
      .name = "AdjustLens",
      .kind = IdManager::SetOnly,
      .set = call<&Block::setAdjustLens>,
-     .factory = 0,
+     .get = readAsTheOthers,
      .wait = 0},
 });
 
