@@ -38,7 +38,7 @@ inline constexpr Condition WithoutInfrared{Condition::WithoutInfrared, 0, 0};
 /// All of up to three conditions.
 class Conditions {
 public:
-    enum Order : std::uint8_t { RangeFirst, ConditionFirst };
+    enum Order : std::uint8_t { RangeFirst, ConditionFirst, RangeAlone };
 
     constexpr Conditions() = default;
     constexpr Conditions(const Condition& one) : m_Conditions{one} {} // NOLINT(google-explicit-constructor)
@@ -48,7 +48,9 @@ public:
     constexpr const Condition* begin() const { return m_Conditions; }
     constexpr const Condition* end() const { return m_Conditions + Most; }
     /// Whether a value that does not count now is refused for its range all the same.
-    constexpr bool isRangeFirst() const { return m_Order == RangeFirst; }
+    constexpr bool isRangeFirst() const { return m_Order != ConditionFirst; }
+    /// Whether it is refused even if the other parameter has no value.
+    constexpr bool isRangeAlone() const { return m_Order == RangeAlone; }
 
 private:
     static constexpr std::size_t Most = 3;
@@ -65,6 +67,11 @@ constexpr Conditions all(const Condition& one, const Condition& two, const Condi
 /// All of these, tested before the range: a value out of range is no fault while it does not count.
 constexpr Conditions beforeRange(const Condition& one, const Condition& two = {}, const Condition& three = {}) {
     return {Conditions::ConditionFirst, one, two, three};
+}
+
+/// All of these, read only for a value in range.
+constexpr Conditions afterRange(const Condition& one, const Condition& two = {}, const Condition& three = {}) {
+    return {Conditions::RangeAlone, one, two, three};
 }
 
 } // namespace sensorcontrol

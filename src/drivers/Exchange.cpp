@@ -35,6 +35,8 @@ Attempt tryOnce(const SerialLine& line, const Link& link, std::span<const char> 
     const int sent = line.port.send(line.handle, command.data(), length);
     if (sent != length)
         return {Outcome::ShortSend, sent, {}};
+    if (link.clearsBuffer)
+        std::ranges::fill(line.buffer, '\0');
     std::size_t received = 0;
     int count = 0;
     for (;;) {

@@ -41,7 +41,8 @@ struct Link {
     int timeout; ///< tenths of a second, for the first byte and between bytes
     Framing& framing = exactLength;
     Check& accepts = isAny;
-    int receives = 1; ///< how often the reply's first piece is asked for while nothing comes
+    bool clearsBuffer = false; ///< so that nothing of an earlier reply passes for a part of this one
+    int receives = 1;          ///< how often the reply's first piece is asked for while nothing comes
 };
 
 /// One try: the command out, the reply in, checked.

@@ -56,7 +56,7 @@ public:
             if (isPlace(i) && m_Bytes[i] >> PlaceBits == 0)
                 places |= 1U << static_cast<unsigned int>(placeAt(i));
         const auto has = [places](Place place) { return (places >> static_cast<unsigned int>(place) & 1U) != 0; };
-        if (has(Place::Value) && has(Place::Second))
+        if ((has(Place::Value) && has(Place::Second)) || has(Place::HexTop))
             return value >= 0 && value <= 0xffff;
         if (has(Place::Value) || (has(Place::High) && has(Place::Low)) || (has(Place::HexHigh) && has(Place::HexLow)))
             return value >= 0 && value <= 0xff;
@@ -77,6 +77,11 @@ private:
     constexpr void append(HexDigits) {
         appendPlace(Place::HexHigh, 0);
         appendPlace(Place::HexLow, 0);
+    }
+    constexpr void append(HexWord) {
+        appendPlace(Place::HexTop, 0);
+        appendPlace(Place::HexNext, 0);
+        append(HEX);
     }
     constexpr void append(const StoredPlace& place) { appendPlace(place.place, 1 + slotOf(place.id)); }
     template <std::size_t Length>
@@ -105,7 +110,8 @@ private:
         const unsigned int bits = static_cast<unsigned int>(value);
         const unsigned int high = bits >> 4 & 0x0fU;
         const unsigned int low = bits & 0x0fU;
-        const auto digit = [](unsigned int nibble) {
+        const auto digit = [](unsigned int number) {
+            const unsigned int nibble = number & 0x0fU;
             return static_cast<std::uint8_t>(nibble < 10 ? '0' + nibble : 'A' + (nibble - 10));
         };
         switch (place) {
@@ -115,6 +121,10 @@ private:
             return static_cast<std::uint8_t>(high);
         case Place::Low:
             return static_cast<std::uint8_t>(low);
+        case Place::HexTop:
+            return digit(bits >> 12);
+        case Place::HexNext:
+            return digit(bits >> 8);
         case Place::HexHigh:
             return digit(high);
         case Place::HexLow:

@@ -6,6 +6,9 @@
 #include "drivers/binary/IT1ZoomModuleSenseController.h"
 #include "drivers/onchip/BreltoISPSenseController.h"
 #include "drivers/regtext/CMD7200SenseController.h"
+#include "drivers/regtext/HitachCompatSenseController.h"
+#include "drivers/regtext/HitachSenseController.h"
+#include "drivers/regtext/SC110N_CSenseController.h"
 #include "drivers/visca/CMD7300SenseController.h"
 #include "drivers/visca/CMD8100SenseController.h"
 #include "drivers/visca/CMD8100_OldSenseController.h"
@@ -25,7 +28,7 @@ namespace sensorcontrol {
 namespace {
 
 ParameterInfo describeRow(const ModelDescription& model, const ParameterRow& row) {
-    ParameterInfo info{row.id, row.name, {}, row.set.isCommand(), row.kind, {}, {}};
+    ParameterInfo info{row.id, row.name, {}, row.isCommand(), row.kind, {}, {}};
     for (const ValueSet::Range& accepted : row.accepts)
         info.accepts.push_back({accepted.low, accepted.high});
     if (row.factory.isKnown)
@@ -68,8 +71,9 @@ consteval auto catalogue() {
 
 constexpr auto Rows =
     catalogue<BreltoISPSenseController, CMD7200SenseController, CMD7300SenseController, CMD8100SenseController,
-              CMD8100_OldSenseController, CMD8300SenseController, IT1SenseController, IT1ZoomModuleSenseController,
-              NoSensorUIController, SONYCH3310SenseController, SONYCV7500SenseController, SONYEH4300SenseController>();
+              CMD8100_OldSenseController, CMD8300SenseController, HitachCompatSenseController, HitachSenseController,
+              IT1SenseController, IT1ZoomModuleSenseController, NoSensorUIController, SC110N_CSenseController,
+              SONYCH3310SenseController, SONYCV7500SenseController, SONYEH4300SenseController>();
 
 } // namespace
 

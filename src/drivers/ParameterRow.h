@@ -24,8 +24,12 @@ struct FactoryValue {
 
 /// One frame of a setting.
 struct Step {
-    ValueSet when{};    ///< goes out for these values alone
-    FramePattern frame; ///< with the row's value in its places, as `value` and `field` make it
+    static constexpr std::size_t Most = 32; ///< of one setting
+
+    ValueSet when{};       ///< goes out for these values alone
+    Condition onlyWhile{}; ///< and while this holds, as it was decided before the first frame went out
+    std::int16_t of = 0;   ///< the parameter whose stored value it sends, read when its turn comes; 0: the row's own
+    FramePattern frame;    ///< with that value in its places, as `value` and `field` make it
     ValueMap value{};
     BitField field{};
     Message failure = Silent; ///< said when the module did not take it; with at most one %d, the row's value
@@ -71,6 +75,7 @@ struct ParameterRow {
 
     Conditions onlyWhile{};
     Message keptText = Silent; ///< said when a condition keeps the value from being sent
+    Message notice = Silent;   ///< said before the value is sent
 
     FramePattern send{};
     ValueMap value{}; ///< what `send` and `set` get
@@ -91,6 +96,8 @@ struct ParameterRow {
     constexpr bool hasFrames() const { return !send.empty() || !steps.empty(); }
     constexpr bool isSettable() const { return hasFrames() || set.isThere(); }
     constexpr bool isReadable() const { return factory.isKnown || get.isThere() || !read.inquiry.empty(); }
+    /// Done whatever the value, and has no state that could be read.
+    constexpr bool isCommand() const { return set.isCommand() || (hasFrames() && !isReadable()); }
     constexpr bool isCheckedByGate() const { return hasFrames() || !refusal.isRegular(); }
 };
 

@@ -113,7 +113,7 @@ int ParameterTable::set(ISensorController& controller, const ModelDescription& m
         return model.unservedSetResult;
     }
     if (!apply(controller, model, *row, value)) {
-        sensorcontrol::say(controller, row->setFailure, row->set.isCommand() ? "" : "set", row->name, model.failureText,
+        sensorcontrol::say(controller, row->setFailure, row->isCommand() ? "" : "set", row->name, model.failureText,
                            value);
         return 0;
     }
@@ -201,17 +201,23 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
 
 int ParameterTable::apply(ISensorController& controller, const ModelDescription& model, const ParameterRow& row,
                           int value) {
+    const bool isInRange = !row.isCheckedByGate() || row.accepts.contains(value);
+    if (!isInRange && row.onlyWhile.isRangeAlone()) {
+        refuse(controller, model, row, value);
+        return 0;
+    }
     bool counts = true;
     StoredValues stored{};
     for (const Condition& condition : row.onlyWhile) {
         int other = 0;
         if (condition.readsStored() && !controller.getParameter(condition.storedId, other))
             return 0;
-        counts = counts && isMet(condition, other, controller.m_nInfrared);
+        counts = isMet(condition, other, controller.m_nInfrared);
+        if (!counts)
+            break;
     }
     if (counts && !readStored(controller, row.send.storedIds(), stored))
         return 0;
-    const bool isInRange = !row.isCheckedByGate() || row.accepts.contains(value);
     if (!isInRange && (counts || row.onlyWhile.isRangeFirst())) {
         refuse(controller, model, row, value);
         return 0;
@@ -222,6 +228,7 @@ int ParameterTable::apply(ISensorController& controller, const ModelDescription&
             recorder::keep(describe(row.onlyWhile, model));
         return 1;
     }
+    say(controller, row.notice, value);
     const int isTaken =
         row.set.isThere() ? row.set(controller, row.value(value)) : transmit(controller, model, row, value, stored);
     if (!isTaken)
@@ -240,10 +247,25 @@ int ParameterTable::transmit(ISensorController& controller, const ModelDescripti
 
 int ParameterTable::sendSteps(ISensorController& controller, const ModelDescription& model, std::span<const Step> steps,
                               int value) {
-    for (const Step& step : steps) {
-        if (!step.when.contains(value))
+    std::uint32_t chosen = 0;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const Condition& condition = steps[i].onlyWhile;
+        if (!steps[i].when.contains(value))
             continue;
-        if (!sendFrame(controller, model, step.frame, step.field, step.value(value))) {
+        int other = 0;
+        if (condition.readsStored() && !controller.getParameter(condition.storedId, other))
+            return 0;
+        if (isMet(condition, other, controller.m_nInfrared))
+            chosen |= 1U << i;
+    }
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const Step& step = steps[i];
+        if ((chosen >> i & 1U) == 0)
+            continue;
+        int sent = value;
+        if (step.of != 0 && !controller.getParameter(step.of, sent))
+            return 0;
+        if (!sendFrame(controller, model, step.frame, step.field, step.value(sent))) {
             say(controller, step.failure, value);
             return 0;
         }

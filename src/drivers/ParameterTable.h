@@ -35,7 +35,8 @@ public:
     static int resend(ISensorController& controller, const ModelDescription& model, std::span<const Resend> then,
                       int value);
 
-    /// Sends the frames that steps have for a value, in order; the first failure ends it. 1 or 0.
+    /// Sends the frames that steps have for a value, in order; the first failure ends it. Their conditions are all
+    /// looked at before the first one. 1 or 0.
     static int sendSteps(ISensorController& controller, const ModelDescription& model, std::span<const Step> steps,
                          int value);
 

@@ -9,17 +9,22 @@
 namespace sensorcontrol {
 
 template <class Base>
+BRMutex& PortController<Base>::lineMutex() {
+    return this->m_UartMutex;
+}
+
+template <class Base>
 SerialLine PortController<Base>::line() {
     return {*this,
             *this->m_pUARTController,
             this->m_nUartHandle,
-            this->m_UartMutex,
+            lineMutex(),
             {this->m_pRecvBuffer.get(), Base::ReceiveBufferSize}};
 }
 
 template <class Base>
 void PortController<Base>::drainPort() {
-    sensorhost::ScopedLock lock(this->m_UartMutex);
+    sensorhost::ScopedLock lock(lineMutex());
     this->clearUartBuffer();
 }
 

@@ -81,6 +81,23 @@ consteval Table<Count> withKind(Table<Count> rows, std::initializer_list<int> id
     return rows;
 }
 
+/// The table under other ids, which stand in the rows' order.
+template <std::size_t Count>
+consteval Table<Count> renumbered(Table<Count> rows, const int (&ids)[Count]) {
+    for (std::size_t i = 0; i < Count; ++i)
+        rows[i].id = ids[i];
+    return rows;
+}
+
+/// Steps and one more at their end.
+template <std::size_t Count>
+consteval std::array<Step, Count + 1> followedBy(const std::array<Step, Count>& steps, const Step& last) {
+    std::array<Step, Count + 1> all{};
+    std::ranges::copy(steps, all.begin());
+    all.back() = last;
+    return all;
+}
+
 /// The table with none of its rows registered: its ids are served, but never remembered or saved.
 template <std::size_t Count>
 consteval Table<Count> unregistered(Table<Count> rows) {

@@ -83,11 +83,21 @@ consteval bool namesOnly(std::span<const ParameterRow> rows, const ParameterRow&
 }
 
 /// Whether each accepted value sends something, and each frame fits.
-consteval bool areStepsSound(const ParameterRow& row) {
-    for (const Step& step : row.steps)
-        if (step.frame.empty() || !step.frame.storedIds().empty() || !isRangeOrdered(step.when) ||
-            !fits(row, step.when, step.frame, step.value, step.field) || !isTextSafe(step.failure.text))
+consteval bool areStepsSound(std::span<const ParameterRow> rows, const ParameterRow& row) {
+    if (row.steps.size() > Step::Most)
+        return false;
+    for (const Step& step : row.steps) {
+        const bool isOwn = step.of == 0;
+        if ((!isOwn && !hasRow(rows, step.of)) ||
+            (step.onlyWhile.readsStored() && !hasRow(rows, step.onlyWhile.storedId)))
             return false;
+        const ParameterRow& source =
+            isOwn ? row : *std::ranges::find(rows, static_cast<int>(step.of), &ParameterRow::id);
+        if (step.frame.empty() || !step.frame.storedIds().empty() || !isRangeOrdered(step.when) ||
+            !fits(source, isOwn ? step.when : ValueSet(), step.frame, step.value, step.field) ||
+            !isTextSafe(step.failure.text))
+            return false;
+    }
     return row.steps.empty() || holdsForEach(row.accepts, [&](int value) {
                return std::ranges::any_of(row.steps, [value](const Step& step) { return step.when.contains(value); });
            });
@@ -115,14 +125,15 @@ consteval bool isWellFormed(std::span<const ParameterRow> rows) {
         if (row.id <= lastId || row.name == nullptr || !detail::isOfOneWay(row))
             return false;
         if (!detail::isRangeOrdered(row.accepts) || !detail::fits(row, {}, row.send, row.value, row.field) ||
-            !detail::areStepsSound(row) || !detail::namesOnly(rows, row))
+            !detail::areStepsSound(rows, row) || !detail::namesOnly(rows, row))
             return false;
         if (row.accepts.takesAll() && !row.refusal.isRegular())
             return false;
         if (row.factory.isKnown && (!row.accepts.contains(row.factory.value)))
             return false;
         if (!detail::isTextSafe(row.refusal.text) || !detail::isTextSafe(row.setFailure.text) ||
-            !detail::isTextSafe(row.getFailure.text) || !detail::isTextSafe(row.keptText.text))
+            !detail::isTextSafe(row.getFailure.text) || !detail::isTextSafe(row.keptText.text) ||
+            !detail::isTextSafe(row.notice.text))
             return false;
         lastId = row.id;
     }

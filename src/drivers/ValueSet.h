@@ -6,7 +6,7 @@
 
 namespace sensorcontrol {
 
-/// The values that a parameter accepts: up to three ranges, ascending, or every value.
+/// The values that a parameter accepts: up to three ranges, ascending, every value, or every one but those.
 class ValueSet {
 public:
     struct Range {
@@ -36,6 +36,12 @@ public:
         return values;
     }
 
+    static constexpr ValueSet allBut(int value) {
+        ValueSet values({{static_cast<std::int16_t>(value), static_cast<std::int16_t>(value)}});
+        values.m_bOthers = true;
+        return values;
+    }
+
     constexpr bool takesAll() const { return m_nCount == 0; }
     /// Takes all on purpose: the manual tells no range.
     constexpr bool isUnchecked() const { return m_bUnchecked; }
@@ -43,8 +49,8 @@ public:
     constexpr bool contains(int value) const {
         for (const Range& range : *this)
             if (value >= range.low && value <= range.high)
-                return true;
-        return takesAll();
+                return !m_bOthers;
+        return takesAll() || m_bOthers;
     }
 
     constexpr const Range* begin() const { return m_Ranges.data(); }
@@ -56,6 +62,7 @@ private:
     std::array<Range, MostRanges> m_Ranges{};
     std::uint8_t m_nCount = 0;
     bool m_bUnchecked = false;
+    bool m_bOthers = false; ///< the ranges are what is left out
 };
 
 /// Every value, and the module gets what fits into its frame.
@@ -68,6 +75,9 @@ constexpr ValueSet range(int low, int high) {
 
 /// The values of two sets, the lower ones first.
 constexpr ValueSet operator|(const ValueSet& low, const ValueSet& high) { return ValueSet(low, high); }
+
+/// Every value but this one: for steps, whose row tells what is accepted.
+constexpr ValueSet anyBut(int value) { return ValueSet::allBut(value); }
 
 /// These values alone.
 template <class... Values>

@@ -4,6 +4,7 @@
 #include "drivers/RowMakers.h"
 #include "drivers/TableProof.h"
 #include "drivers/regtext/RegisterTextRows.h"
+#include "drivers/regtext/VideoSystems.h"
 
 #include <array>
 
@@ -80,6 +81,13 @@ constexpr auto Rows = std::to_array<ParameterRow>({
 });
 static_assert(isWellFormed(Rows));
 
+constexpr regtext::VideoSystemRead VideoSystemReads[] = {{":RFFFE00", "get video system failed"}};
+constexpr regtext::VideoSystem VideoSystemRows[] = {
+    {.videoSystem = 1, .state = {0x01}, .writes = {":WFFFE01"}},
+    {.videoSystem = 0, .state = {0x03}, .writes = {":WFFFE03"}},
+};
+constexpr regtext::VideoSystems BlockVideoSystems{.reads = VideoSystemReads, .systems = VideoSystemRows};
+
 constexpr ModelDescription Description{.className = "CMD7200SenseController",
                                        .rows = Rows,
                                        .version = 0,
@@ -97,15 +105,8 @@ CMD7200SenseController::~CMD7200SenseController() { stopThreads(); }
 
 const ModelDescription& CMD7200SenseController::model() { return Description; }
 
-int CMD7200SenseController::setSensorVideoSystem(int videoSystem, const VideoResolution&) {
-    constexpr int Pal = 1;
-    constexpr int Ntsc = 3;
-    constexpr int RestartSeconds = 5;
-    if (videoSystem != 0 && videoSystem != 1) {
-        ErrorPrintf("setSensorVideoSystem is out of range");
-        return 0;
-    }
-    return changeVideoSystem(videoSystem == 1 ? Pal : Ntsc, RestartSeconds);
+int CMD7200SenseController::setSensorVideoSystem(int videoSystem, const VideoResolution& resolution) {
+    return changeVideoSystem(BlockVideoSystems, videoSystem, resolution, 5);
 }
 
 // The register that chooses the shutter chooses as well whether the block decides day and night: either setting

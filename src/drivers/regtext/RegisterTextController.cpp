@@ -13,7 +13,10 @@
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/ModelDescription.h"
 #include "drivers/PortBringUp.h"
+#include "drivers/regtext/RegisterTextFrames.h"
+#include "drivers/regtext/VideoSystems.h"
 #include "host/BreltoTime.h"
+#include "host/VideoResolution.h"
 
 #include <algorithm>
 #include <array>
@@ -28,15 +31,13 @@ namespace sensorcontrol {
 namespace {
 
 constexpr std::string_view StoreCommand = ":rE1ED0000";
-constexpr const char* StatusRead = ":RFFE700";
-constexpr const char* VideoSystemRead = ":RFFFE00";
-constexpr const char* VideoSystemWrite = ":WFFFE";
 
 constexpr int LongestText = 19;
 constexpr int MostValueChars = 8; ///< what an int holds
 
-constexpr ExchangeRule WriteRule{
-    .link = {.timeout = 5, .accepts = isEcho}, .name = "sendData", .sendName = "setParameterValue"};
+constexpr ExchangeRule WriteRule{.link = {.timeout = 5, .accepts = isEcho, .clearsBuffer = true},
+                                 .name = "sendData",
+                                 .sendName = "setParameterValue"};
 constexpr ExchangeRule StoreRule{.link = {.timeout = 5}, .name = "sendData", .sendName = "setParameterValue"};
 
 template <std::size_t ValueChars>
@@ -46,8 +47,8 @@ bool isEchoButValue(std::span<const char> command, std::span<const char> reply) 
 
 /// The rules of reads by the length of their value.
 constexpr auto ReadRules = []<std::size_t... ValueChars>(std::index_sequence<ValueChars...>) {
-    return std::array{
-        ExchangeRule{.link = {.timeout = 4, .accepts = isEchoButValue<ValueChars>}, .name = "getParameterValue"}...};
+    return std::array{ExchangeRule{.link = {.timeout = 4, .accepts = isEchoButValue<ValueChars>, .clearsBuffer = true},
+                                   .name = "getParameterValue"}...};
 }
 (std::make_index_sequence<MostValueChars + 1>());
 
@@ -136,7 +137,7 @@ int RegisterTextController<Base>::transmit(ISensorController& controller, const 
 
 template <class Base>
 int RegisterTextController<Base>::getDNbody() {
-    pollStatus(StatusRead, 0, 1, "recvData 1@getDNbody failed");
+    pollStatus(regtext::StatusRead, 0, 1, "recvData 1@getDNbody failed");
     return 0;
 }
 
@@ -155,15 +156,39 @@ void RegisterTextController<Base>::pollStatus(const char* command, int night, in
 }
 
 template <class Base>
-int RegisterTextController<Base>::changeVideoSystem(int wanted, int restartSeconds) {
-    int current = -1;
-    if (!recvData(VideoSystemRead, 2, current)) {
-        this->ErrorPrintf("get video system failed");
+int RegisterTextController<Base>::changeVideoSystem(const regtext::VideoSystems& systems, int videoSystem,
+                                                    const VideoResolution& resolution, int restartSeconds) {
+    const auto wanted = std::ranges::find_if(systems.systems, [&](const regtext::VideoSystem& system) {
+        return system.videoSystem == videoSystem &&
+               (system.width == 0 ||
+                (system.width == resolution.getVideoWidth() && system.height == resolution.getVideoHeight()));
+    });
+    if (wanted == systems.systems.end()) {
+        this->ErrorPrintf("setSensorVideoSystem is out of range");
         return 0;
     }
-    if (current == wanted)
+    if (wanted->notice != nullptr)
+        std::puts(wanted->notice);
+    bool isInForce = true;
+    for (std::size_t i = 0; i < systems.reads.size(); ++i) {
+        int current = -1;
+        if (!recvData(systems.reads[i].command, 2, current)) {
+            this->ErrorPrintf("%s", systems.reads[i].failure);
+            return 0;
+        }
+        isInForce = isInForce && current == wanted->state[i];
+    }
+    if (isInForce)
         return 1;
-    if (!sendData(assembleString(VideoSystemWrite, static_cast<unsigned int>(wanted), 2)))
+    if (systems.changeNotice != nullptr)
+        std::puts(systems.changeNotice);
+    bool isTaken = true;
+    for (const char* command : wanted->writes)
+        if (command != nullptr && (isTaken || systems.writesOn) && !sendData(command))
+            isTaken = false;
+    if (!isTaken && systems.failure != nullptr)
+        this->ErrorPrintf("%s", systems.failure);
+    if (!isTaken || (systems.restart != nullptr && !sendData(systems.restart)))
         return 0;
     DriverServices::waitForRestart(*this, restartSeconds);
     this->drainPort(); // under the lock: the other thread has been asking meanwhile

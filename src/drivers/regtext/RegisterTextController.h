@@ -6,6 +6,10 @@
 
 namespace sensorcontrol {
 
+namespace regtext {
+struct VideoSystems;
+}
+
 /// What all controllers of register-text blocks share, on top of either base class. A model adds its table, the
 /// operations that a row cannot say, and what its start has beside the family's.
 ///
@@ -55,8 +59,10 @@ protected:
     /// Asks a register for day or night and sleeps: a second, or three without an answer to go by.
     SENSORCONTROL_LOCAL void pollStatus(const char* command, int night, int day, const char* failure);
 
-    /// Asks for the video system, and on a difference writes it and waits until the block is back.
-    SENSORCONTROL_LOCAL int changeVideoSystem(int wanted, int restartSeconds);
+    /// Looks the video system up, asks what is in force, and on a difference writes it and waits until the block is
+    /// back.
+    SENSORCONTROL_LOCAL int changeVideoSystem(const regtext::VideoSystems& systems, int videoSystem,
+                                              const VideoResolution& resolution, int restartSeconds);
 
 private:
     SafePointer<GThread> m_pDNThread;
