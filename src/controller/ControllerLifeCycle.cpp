@@ -233,7 +233,7 @@ void ISensorController::Rooms::advance() {
 void ISensorController::Rooms::drainAfterStart() {
     if (!isDrainDue.exchange(false) || c.m_pUARTController.isNull() || c.m_nUartHandle < 0)
         return;
-    ScopedLock lock(c.m_UartMutex);
+    ScopedLock lock(DriverServices::lineMutex(c));
     c.clearUartBuffer();
 }
 
@@ -378,6 +378,15 @@ void ISensorController::Debug_Printf(const char* format, ...) {
 }
 
 namespace sensorcontrol {
+
+void DriverServices::setLineMutex(ISensorController& controller, BRMutex& mutex) {
+    controller.m_pRooms->lineMutex = &mutex;
+}
+
+BRMutex& DriverServices::lineMutex(ISensorController& controller) {
+    BRMutex* const own = controller.m_pRooms->lineMutex;
+    return own != nullptr ? *own : controller.m_UartMutex;
+}
 
 bool DriverServices::isEnding(const ISensorController& controller) { return controller.m_pRooms->isEnding(); }
 

@@ -88,6 +88,7 @@ struct SENSORCONTROL_LOCAL ISensorController::Rooms {
     std::atomic<bool> isStarting{false};  ///< init is under way
     std::atomic<bool> isCancelled{false}; ///< that start
     std::atomic<bool> isDrainDue{false};
+    BRMutex* lineMutex = nullptr; ///< the driver's own; null: m_UartMutex
     /// The thread that runs init: stages and parameters of no other one are the start's.
     std::atomic<std::thread::id> starter{};
     sensorcontrol::StartProgress progress; ///< the starter's

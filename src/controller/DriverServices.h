@@ -2,6 +2,7 @@
 
 #include "controller/ISensorController.h"
 
+class BRMutex;
 class BreltoTime;
 
 namespace sensorcontrol {
@@ -24,6 +25,12 @@ public:
     /// Drives the pin of the filter, or of the IR lights, to a level. A failure is logged and waited out for a second.
     static int driveFilter(ISensorController& controller, int level);
     static int driveInfraredLight(ISensorController& controller, int level);
+
+    /// Gives the port a lock of the model's own in place of m_UartMutex. For constructors; the mutex must outlive the
+    /// controller's threads.
+    static void setLineMutex(ISensorController& controller, BRMutex& mutex);
+    /// What guards the port and the receive buffer over a whole exchange.
+    static BRMutex& lineMutex(ISensorController& controller);
 
     /// Whether the port took and gave bytes as a port does. A silent module's port works.
     static void tellPort(ISensorController& controller, bool works);

@@ -1,5 +1,6 @@
 #include "drivers/PortController.h"
 
+#include "controller/DriverServices.h"
 #include "drivers/FramePattern.h"
 #include "drivers/ITrellisZoomSensorController.h"
 #include "drivers/PortBringUp.h"
@@ -9,22 +10,17 @@
 namespace sensorcontrol {
 
 template <class Base>
-BRMutex& PortController<Base>::lineMutex() {
-    return this->m_UartMutex;
-}
-
-template <class Base>
 SerialLine PortController<Base>::line() {
     return {*this,
             *this->m_pUARTController,
             this->m_nUartHandle,
-            lineMutex(),
+            DriverServices::lineMutex(*this),
             {this->m_pRecvBuffer.get(), Base::ReceiveBufferSize}};
 }
 
 template <class Base>
 void PortController<Base>::drainPort() {
-    sensorhost::ScopedLock lock(lineMutex());
+    sensorhost::ScopedLock lock(DriverServices::lineMutex(*this));
     this->clearUartBuffer();
 }
 

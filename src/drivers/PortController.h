@@ -16,9 +16,6 @@ class SENSORCONTROL_API PortController : public TableController<Base> {
 protected:
     using TableController<Base>::TableController;
 
-    /// What guards the port and the receive buffer over a whole exchange.
-    virtual BRMutex& lineMutex();
-
     /// The port, its lock and the receive buffer.
     SENSORCONTROL_LOCAL SerialLine line();
     /// Empties the port of what nobody has asked for; takes its lock.

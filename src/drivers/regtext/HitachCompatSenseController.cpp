@@ -135,13 +135,13 @@ constexpr int FirstVersionWithStatus = 107;
 
 } // namespace
 
-HitachCompatSenseController::HitachCompatSenseController() : RegisterTextController(14, Description) {}
+HitachCompatSenseController::HitachCompatSenseController() : RegisterTextController(14, Description) {
+    DriverServices::setLineMutex(*this, m_LineMutex);
+}
 
 HitachCompatSenseController::~HitachCompatSenseController() { stopThreads(); }
 
 const ModelDescription& HitachCompatSenseController::model() { return Description; }
-
-BRMutex& HitachCompatSenseController::lineMutex() { return m_LineMutex; }
 
 int HitachCompatSenseController::setSensorVideoSystem(int videoSystem, const VideoResolution& resolution) {
     return changeVideoSystem(BlockVideoSystems, videoSystem, resolution, 3);

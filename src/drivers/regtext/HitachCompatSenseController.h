@@ -26,9 +26,6 @@ public:
 
     int getDNbody() override;
 
-protected:
-    BRMutex& lineMutex() override;
-
 private:
     BRMutex m_LineMutex;
     std::atomic<int> m_nSensorVersion{0};

@@ -1,5 +1,6 @@
 #include "drivers/regtext/HitachSenseController.h"
 
+#include "controller/DriverServices.h"
 #include "drivers/ModelDescription.h"
 #include "drivers/PortBringUp.h"
 #include "drivers/RowMakers.h"
@@ -61,7 +62,9 @@ constexpr regtext::VideoSystems BlockVideoSystems{.reads = VideoSystemReads,
 
 HitachSenseController::HitachSenseController()
     : HitachController(7, Description), m_pCameraModeThread(new GThread(bind(this, &Block::threadBody), "threadBody",
-                                                                        GThread::emptyFun, GThread::emptyFun)) {}
+                                                                        GThread::emptyFun, GThread::emptyFun)) {
+    DriverServices::setLineMutex(*this, m_LineMutex);
+}
 
 HitachSenseController::~HitachSenseController() {
     stopThreads();
@@ -69,8 +72,6 @@ HitachSenseController::~HitachSenseController() {
 }
 
 const ModelDescription& HitachSenseController::model() { return Description; }
-
-BRMutex& HitachSenseController::lineMutex() { return m_LineMutex; }
 
 int HitachSenseController::setSensorVideoSystem(int videoSystem, const VideoResolution& resolution) {
     constexpr int KeptAsItIs = 2;

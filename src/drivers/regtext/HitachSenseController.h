@@ -30,9 +30,6 @@ public:
     /// One pass of the "threadBody" thread; ends with its minute of sleep. Always 0.
     int threadBody();
 
-protected:
-    BRMutex& lineMutex() override;
-
 private:
     BRMutex m_LineMutex;
     std::atomic<int> m_bThirdGeneration{0};
