@@ -12,10 +12,18 @@
 #include <algorithm>
 #include <climits>
 #include <map>
+#include <vector>
 
 namespace {
 
 using namespace sensorcontrol;
+
+/// Models that something stands in for: a simulated block, or the simulated pipeline for those without a port.
+std::vector<int> testableModels() {
+    std::vector<int> ids = listModuleIds();
+    std::erase_if(ids, [](int id) { return describeModel(id)->hasPort && camerasim::findBlock(id) == nullptr; });
+    return ids;
+}
 
 class EveryModel : public ::testing::TestWithParam<int> {
 protected:
@@ -182,7 +190,7 @@ TEST_P(EveryModel, SaysUnderEveryFaultWhatBecameOfASettingAndServesTheNext) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, EveryModel, ::testing::ValuesIn(listModuleIds()),
+INSTANTIATE_TEST_SUITE_P(Models, EveryModel, ::testing::ValuesIn(testableModels()),
                          [](const auto& model) { return "Module" + std::to_string(model.param); });
 
 } // namespace
