@@ -248,13 +248,18 @@ int ParameterTable::transmit(ISensorController& controller, const ModelDescripti
 int ParameterTable::sendSteps(ISensorController& controller, const ModelDescription& model, std::span<const Step> steps,
                               int value) {
     std::uint32_t chosen = 0;
+    int readId = -1;
+    int other = 0;
     for (std::size_t i = 0; i < steps.size(); ++i) {
         const Condition& condition = steps[i].onlyWhile;
         if (!steps[i].when.contains(value))
             continue;
-        int other = 0;
-        if (condition.readsStored() && !controller.getParameter(condition.storedId, other))
-            return 0;
+        // Steps that go by one parameter go by one look at it: another thread may be changing it.
+        if (condition.readsStored() && condition.storedId != readId) {
+            if (!controller.getParameter(condition.storedId, other))
+                return 0;
+            readId = condition.storedId;
+        }
         if (isMet(condition, other, controller.m_nInfrared))
             chosen |= 1U << i;
     }
